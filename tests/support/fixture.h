@@ -1,0 +1,68 @@
+// The fixture of every test: fresh TMPDIR and flash directories, TZ=UTC, a
+// pinned clock, and captured command-line and syslog output.
+#ifndef AUTHMNG_TESTS_SUPPORT_FIXTURE_H
+#define AUTHMNG_TESTS_SUPPORT_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "authmng.h"
+#include "authmng_host.h"
+
+namespace authmng_test {
+
+// 2026-03-09 14:05:07 UTC, a Monday.
+constexpr int64_t kMonday140507 = 1773065107;
+
+class AuthmngTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Starts the library as the given client; the result of authmng_init.
+    int start(int32_t client_type, int32_t debug_mode = 100, int32_t show_mode = 200);
+
+    // Output captured since the last take (the buffer is emptied).
+    std::string take_cli();
+    std::string take_syslog();
+
+    // Full paths in the two areas of this test.
+    std::string tmp_path(const std::string &relative) const { return tmp_dir_ + relative; }
+    std::string flash_path(const std::string &relative) const { return flash_dir_ + relative; }
+
+    const std::string &tmp_dir() const { return tmp_dir_; }
+    const std::string &flash_dir() const { return flash_dir_; }
+    const std::string &root_dir() const { return root_; }
+
+private:
+    std::string root_;
+    std::string tmp_dir_;
+    std::string flash_dir_;
+    char *cli_buf_ = nullptr;
+    size_t cli_len_ = 0;
+    FILE *cli_ = nullptr;
+    char *syslog_buf_ = nullptr;
+    size_t syslog_len_ = 0;
+    FILE *syslog_ = nullptr;
+    size_t cli_taken_ = 0;
+    size_t syslog_taken_ = 0;
+};
+
+// Whole file as text ("" when missing); exists() for presence.
+std::string read_file(const std::string &path);
+bool exists(const std::string &path);
+void write_file(const std::string &path, const std::string &text);
+// A file of exactly size bytes (lines of 'x' ending in newlines).
+void write_file_of_size(const std::string &path, size_t size);
+// Number of lines of a text.
+size_t count_lines(const std::string &text);
+
+// A zeroed event record of a client type and kind.
+authmng_auth_info_t event_record(int32_t client_type, uint32_t event, uint32_t result = 0);
+
+}  // namespace authmng_test
+
+#endif
