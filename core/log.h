@@ -15,11 +15,11 @@
 #include "authmng_platform.h"
 #include "core/relaxed.h"
 
-#define AUTHMNG_DEBUG_LINE_(sw, prefix, fmt, ...)                                          \
-    do {                                                                                   \
-        if (authmng::load_relaxed(sw))                                                     \
+#define AUTHMNG_DEBUG_LINE_(sw, prefix, fmt, ...)                                           \
+    do {                                                                                    \
+        if (authmng::load_relaxed(sw))                                                      \
             printk_syslog_ext(7, "UNKNOW_MODULE", "DEBUG", 2, prefix "[%s line:%-4d] " fmt, \
-                              __func__, __LINE__, ##__VA_ARGS__);                          \
+                              __func__, __LINE__, ##__VA_ARGS__);                           \
     } while (0)
 
 #define AUTHMNG_EVENT_DBG(fmt, ...) \

@@ -9,8 +9,12 @@
 
 namespace authmng {
 
-inline void *zalloc(std::size_t size) { return std::calloc(1, size); }
-inline void release(void *block) { std::free(block); }
+inline void *zalloc(std::size_t size) {
+    return std::calloc(1, size);
+}
+inline void release(void *block) {
+    std::free(block);
+}
 
 struct Releaser {
     void operator()(void *block) const { release(block); }

@@ -38,20 +38,20 @@ extern "C" {
  * Sizes
  * ---------------------------------------------------------------------- */
 
-#define AUTHMNG_USERNAME_LEN 256      /* bytes of authmng_auth_info_t.username */
-#define AUTHMNG_MAC_LEN 6             /* bytes of a MAC address */
-#define AUTHMNG_PATH_MAX 108          /* characters of a full storage path */
-#define AUTHMNG_D1X_CODE_NUM 135      /* 802.1X result / offline codes 0..134 */
-#define AUTHMNG_D1X_RANGE_NUM 7       /* histograms of an 802.1X record */
-#define AUTHMNG_D1X_METHOD_NUM 2      /* 0 802.1X, 1 MAB */
-#define AUTHMNG_REASON_NUM 4          /* long-time reason counters */
-#define AUTHMNG_RANGE_SLOTS 3         /* ranges of one histogram */
-#define AUTHMNG_WBA_RESULT_NUM 14     /* web-auth result codes 0..13 */
-#define AUTHMNG_WBA_OFFLINE_NUM 20    /* web-auth offline reasons 0..19 */
-#define AUTHMNG_WBA_RANGE_NUM 13      /* histograms of the web-auth record */
-#define AUTHMNG_CHECK_TYPE_NUM 3      /* escape checks */
-#define AUTHMNG_CHECK_RING_SIZE 1500  /* samples kept per escape-check ring */
-#define AUTHMNG_TLV_BUF_SIZE 150      /* bytes of authmng_tlv_buf_t.data */
+#define AUTHMNG_USERNAME_LEN 256     /* bytes of authmng_auth_info_t.username */
+#define AUTHMNG_MAC_LEN 6            /* bytes of a MAC address */
+#define AUTHMNG_PATH_MAX 108         /* characters of a full storage path */
+#define AUTHMNG_D1X_CODE_NUM 135     /* 802.1X result / offline codes 0..134 */
+#define AUTHMNG_D1X_RANGE_NUM 7      /* histograms of an 802.1X record */
+#define AUTHMNG_D1X_METHOD_NUM 2     /* 0 802.1X, 1 MAB */
+#define AUTHMNG_REASON_NUM 4         /* long-time reason counters */
+#define AUTHMNG_RANGE_SLOTS 3        /* ranges of one histogram */
+#define AUTHMNG_WBA_RESULT_NUM 14    /* web-auth result codes 0..13 */
+#define AUTHMNG_WBA_OFFLINE_NUM 20   /* web-auth offline reasons 0..19 */
+#define AUTHMNG_WBA_RANGE_NUM 13     /* histograms of the web-auth record */
+#define AUTHMNG_CHECK_TYPE_NUM 3     /* escape checks */
+#define AUTHMNG_CHECK_RING_SIZE 1500 /* samples kept per escape-check ring */
+#define AUTHMNG_TLV_BUF_SIZE 150     /* bytes of authmng_tlv_buf_t.data */
 
 /* ------------------------------------------------------------------------
  * Client types and registration
@@ -97,41 +97,41 @@ enum authmng_wba_event {
  * aaa_timeout, requestid_timeout and request_timeout directly follow rssi.
  */
 typedef struct authmng_auth_info {
-    int32_t client_type;         /* 1 web-auth, 2 802.1X, 3 MAB */
-    uint64_t online_num;         /* users online now */
-    uint64_t reauth_num;         /* web-auth: re-auth requests so far */
-    uint32_t ip;                 /* IPv4, network byte order */
-    uint32_t auth_time;          /* 802.1X: whole auth; web-auth: auth step */
-    uint32_t scc_time;           /* web-auth: access-control setting */
-    uint32_t acct_time;          /* web-auth: accounting step */
-    uint32_t ack_time;           /* web-auth: request to answer */
-    uint32_t portal_time;        /* web-auth: portal exchange */
-    uint32_t wba_state;          /* web-auth: daemon state code */
-    uint32_t wba_event;          /* web-auth: daemon event code */
-    uint32_t aaa_time;           /* AAA time, RADIUS included */
-    int32_t aaa_code;            /* AAA result code */
-    uint32_t rds_srv_time;       /* RADIUS server time */
-    uint32_t rds_time;           /* RADIUS client time, server included */
-    int32_t rds_code;            /* RADIUS result code */
-    uint32_t acct_aaa_time;      /* web-auth: AAA time of accounting */
-    int32_t aaa_acct_code;       /* web-auth: AAA result of accounting */
-    uint32_t acct_rds_svr_time;  /* web-auth: RADIUS server time, accounting */
-    uint32_t acct_rds_time;      /* web-auth: RADIUS client time, accounting */
-    int32_t rds_acct_code;       /* web-auth: RADIUS result of accounting */
-    uint32_t sta_time;           /* 802.1X: waiting for the station */
-    uint32_t self_time;          /* 802.1X: time in the device itself */
-    int32_t rssi;                /* 802.1X: signal strength, dBm */
-    uint8_t aaa_timeout;         /* 802.1X: AAA timed out */
-    uint8_t requestid_timeout;   /* 802.1X: identity request unanswered */
-    uint8_t request_timeout;     /* 802.1X: later request unanswered */
-    uint8_t rsna_notify;         /* 802.1X: RSNA notification value */
-    uint8_t start_notify;        /* 802.1X: start notification value */
-    uint8_t dismatch_id;         /* 802.1X: identifier-mismatch value */
-    uint8_t logoff;              /* 802.1X: logoff value */
-    uint32_t result;             /* 802.1X 0..134, web-auth 0..13; 0 success */
-    uint32_t event;              /* 802.1X 0..4, web-auth 0..1 */
-    uint32_t offline_reason;     /* 802.1X 0..134, web-auth 0..19 */
-    uint32_t online_time;        /* web-auth offline: seconds online */
+    int32_t client_type;                 /* 1 web-auth, 2 802.1X, 3 MAB */
+    uint64_t online_num;                 /* users online now */
+    uint64_t reauth_num;                 /* web-auth: re-auth requests so far */
+    uint32_t ip;                         /* IPv4, network byte order */
+    uint32_t auth_time;                  /* 802.1X: whole auth; web-auth: auth step */
+    uint32_t scc_time;                   /* web-auth: access-control setting */
+    uint32_t acct_time;                  /* web-auth: accounting step */
+    uint32_t ack_time;                   /* web-auth: request to answer */
+    uint32_t portal_time;                /* web-auth: portal exchange */
+    uint32_t wba_state;                  /* web-auth: daemon state code */
+    uint32_t wba_event;                  /* web-auth: daemon event code */
+    uint32_t aaa_time;                   /* AAA time, RADIUS included */
+    int32_t aaa_code;                    /* AAA result code */
+    uint32_t rds_srv_time;               /* RADIUS server time */
+    uint32_t rds_time;                   /* RADIUS client time, server included */
+    int32_t rds_code;                    /* RADIUS result code */
+    uint32_t acct_aaa_time;              /* web-auth: AAA time of accounting */
+    int32_t aaa_acct_code;               /* web-auth: AAA result of accounting */
+    uint32_t acct_rds_svr_time;          /* web-auth: RADIUS server time, accounting */
+    uint32_t acct_rds_time;              /* web-auth: RADIUS client time, accounting */
+    int32_t rds_acct_code;               /* web-auth: RADIUS result of accounting */
+    uint32_t sta_time;                   /* 802.1X: waiting for the station */
+    uint32_t self_time;                  /* 802.1X: time in the device itself */
+    int32_t rssi;                        /* 802.1X: signal strength, dBm */
+    uint8_t aaa_timeout;                 /* 802.1X: AAA timed out */
+    uint8_t requestid_timeout;           /* 802.1X: identity request unanswered */
+    uint8_t request_timeout;             /* 802.1X: later request unanswered */
+    uint8_t rsna_notify;                 /* 802.1X: RSNA notification value */
+    uint8_t start_notify;                /* 802.1X: start notification value */
+    uint8_t dismatch_id;                 /* 802.1X: identifier-mismatch value */
+    uint8_t logoff;                      /* 802.1X: logoff value */
+    uint32_t result;                     /* 802.1X 0..134, web-auth 0..13; 0 success */
+    uint32_t event;                      /* 802.1X 0..4, web-auth 0..1 */
+    uint32_t offline_reason;             /* 802.1X 0..134, web-auth 0..19 */
+    uint32_t online_time;                /* web-auth offline: seconds online */
     char username[AUTHMNG_USERNAME_LEN]; /* NUL-terminated user name */
     uint8_t mac[AUTHMNG_MAC_LEN];        /* station MAC address */
 } authmng_auth_info_t;
@@ -143,10 +143,10 @@ typedef struct authmng_auth_info {
 /* count[i] counts values v with bound[i] <= v < bound[i+1]; the last range
  * in use (num - 1) is open upwards. */
 typedef struct authmng_range {
-    uint32_t id;                           /* the descriptor's own index */
-    uint32_t num;                          /* ranges in use: 2 or 3 */
-    uint64_t count[AUTHMNG_RANGE_SLOTS];   /* values per range */
-    uint64_t bound[AUTHMNG_RANGE_SLOTS];   /* lower bounds, ms */
+    uint32_t id;                         /* the descriptor's own index */
+    uint32_t num;                        /* ranges in use: 2 or 3 */
+    uint64_t count[AUTHMNG_RANGE_SLOTS]; /* values per range */
+    uint64_t bound[AUTHMNG_RANGE_SLOTS]; /* lower bounds, ms */
 } authmng_range_t;
 
 /* The seven measured quantities of an 802.1X record, by descriptor. */
@@ -161,10 +161,7 @@ enum authmng_d1x_range {
 };
 
 /* Method index of the per-method 802.1X arrays. */
-enum authmng_d1x_method {
-    AUTHMNG_METHOD_DOT1X = 0,
-    AUTHMNG_METHOD_MAB = 1
-};
+enum authmng_d1x_method { AUTHMNG_METHOD_DOT1X = 0, AUTHMNG_METHOD_MAB = 1 };
 
 /* One 802.1X method's statistics since the last clear. */
 typedef struct authmng_dot1x_stat {
@@ -175,25 +172,25 @@ typedef struct authmng_dot1x_stat {
     uint32_t auth_success_rate;     /* percent, truncated */
     uint32_t auth_avg_time;         /* ms, running average of successes */
     uint64_t auth_result[AUTHMNG_D1X_CODE_NUM];
-    uint64_t reauth_total;          /* re-authentication results */
+    uint64_t reauth_total; /* re-authentication results */
     uint64_t reauth_result[AUTHMNG_D1X_CODE_NUM];
-    uint32_t reauth_success_rate;   /* percent, truncated */
-    uint64_t offline_total;         /* offline events */
+    uint32_t reauth_success_rate; /* percent, truncated */
+    uint64_t offline_total;       /* offline events */
     uint64_t offline_reason[AUTHMNG_D1X_CODE_NUM];
     authmng_range_t range[AUTHMNG_D1X_RANGE_NUM];
-    uint64_t over1s_total;          /* slow (above threshold, <= 3 s) sums */
+    uint64_t over1s_total; /* slow (above threshold, <= 3 s) sums */
     uint64_t over1s_sta;
     uint64_t over1s_self;
     uint64_t over1s_aaa;
     uint64_t over1s_rds;
     uint64_t over1s_rds_srv;
-    uint64_t over3s_total;          /* longer than 3 s sums */
+    uint64_t over3s_total; /* longer than 3 s sums */
     uint64_t over3s_sta;
     uint64_t over3s_self;
     uint64_t over3s_aaa;
     uint64_t over3s_rds;
     uint64_t over3s_rds_srv;
-    int32_t success_rssi_sum;       /* dBm sums, wrapping modulo 2^32 */
+    int32_t success_rssi_sum; /* dBm sums, wrapping modulo 2^32 */
     int32_t fail_rssi_sum;
     int32_t offline_rssi_sum;
 } authmng_dot1x_stat_t;
@@ -243,20 +240,20 @@ typedef struct authmng_webauth_stat {
     uint64_t current_online_number;
     uint64_t max_online_number;
     uint64_t auth_total;
-    uint32_t auth_avg_time;          /* ms */
+    uint32_t auth_avg_time; /* ms */
     uint64_t auth_result[AUTHMNG_WBA_RESULT_NUM];
-    uint64_t http_req_count;         /* accepted redirect reports */
-    uint64_t rd_user;                /* copy of the daemon's figure */
-    uint64_t rd_avg_time;            /* ms */
+    uint64_t http_req_count; /* accepted redirect reports */
+    uint64_t rd_user;        /* copy of the daemon's figure */
+    uint64_t rd_avg_time;    /* ms */
     uint64_t offline_total;
     uint64_t offline_reason[AUTHMNG_WBA_OFFLINE_NUM];
     uint64_t aggregate_time[AUTHMNG_WBA_RANGE_NUM]; /* ms sums */
     uint64_t move_count;
     uint64_t move_fail_count;
-    uint64_t reauth_number;          /* copy of the daemon's figure */
-    uint64_t online_time_total;      /* seconds */
+    uint64_t reauth_number;     /* copy of the daemon's figure */
+    uint64_t online_time_total; /* seconds */
     authmng_range_t range[AUTHMNG_WBA_RANGE_NUM];
-    uint32_t average_online_time;    /* minutes */
+    uint32_t average_online_time; /* minutes */
 } authmng_webauth_stat_t;
 
 /* ------------------------------------------------------------------------
@@ -272,9 +269,9 @@ enum authmng_check_type {
 /* The web-auth daemon's running totals. */
 typedef struct authmng_check_input {
     uint32_t total_redirect_count;
-    uint32_t total_redirect_time;      /* ms */
+    uint32_t total_redirect_time; /* ms */
     uint32_t total_auth_count;
-    uint32_t total_auth_time;          /* ms */
+    uint32_t total_auth_time; /* ms */
     uint32_t total_auth_timeout_count;
     uint32_t max_online_user;
 } authmng_check_input_t;
@@ -382,9 +379,9 @@ AUTHMNG_API extern uint32_t g_authmng_escape_life;          /* 30 reports */
 AUTHMNG_API extern uint32_t g_authmng_check_ratio;          /* 10 percent */
 AUTHMNG_API extern uint32_t g_authmng_check_auth_threshold; /* 5000 ms */
 AUTHMNG_API extern uint32_t g_authmng_check_redirect_threshold; /* 3000 ms */
-AUTHMNG_API extern uint32_t g_authmng_check_wave;           /* 20000, not used */
+AUTHMNG_API extern uint32_t g_authmng_check_wave;               /* 20000, not used */
 AUTHMNG_API extern const char *g_authmng_type_str[AUTHMNG_CHECK_TYPE_NUM];
-AUTHMNG_API extern uint8_t g_authmng_check_open;            /* 0: user escape off */
+AUTHMNG_API extern uint8_t g_authmng_check_open; /* 0: user escape off */
 
 /* ------------------------------------------------------------------------
  * Process-wide state
@@ -498,8 +495,7 @@ AUTHMNG_API void authmng_record_abnormal_auth(const void *auth_info);
  * rssi_field points at authmng_auth_info_t.rssi of the event. Call with
  * g_authmng_mtx held. */
 AUTHMNG_API void authmng_dot1x_statistic_loogtime_reason(uint32_t method, uint32_t index,
-                                                         uint32_t time,
-                                                         const int32_t *rssi_field);
+                                                         uint32_t time, const int32_t *rssi_field);
 
 /* ------------------------------------------------------------------------
  * 802.1X record, codes and files

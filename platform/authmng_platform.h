@@ -31,8 +31,8 @@ AUTHMNG_PORT_API void printk_syslog_ext(int severity, const char *module, const 
 
 /* ---- time ----------------------------------------------------------- */
 
-#define QX_TIME_WALL_SECONDS 2            /* selector: wall clock, seconds */
-#define QX_TIME_FAILED UINT64_MAX         /* result of a failed reading */
+#define QX_TIME_WALL_SECONDS 2    /* selector: wall clock, seconds */
+#define QX_TIME_FAILED UINT64_MAX /* result of a failed reading */
 
 /* Wall-clock seconds since the epoch for selector 2; QX_TIME_FAILED on
  * failure. */
@@ -141,10 +141,14 @@ typedef struct cli_eol_arg {
 } cli_eol_arg_t;
 
 /* The node kinds. */
-AUTHMNG_PORT_API int append_point_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int common_keyword_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int common_number_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int set_cdb_var_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
+AUTHMNG_PORT_API int append_point_action(struct cli_parse_state *ps,
+                                         const struct cli_parse_node *node);
+AUTHMNG_PORT_API int common_keyword_action(struct cli_parse_state *ps,
+                                           const struct cli_parse_node *node);
+AUTHMNG_PORT_API int common_number_action(struct cli_parse_state *ps,
+                                          const struct cli_parse_node *node);
+AUTHMNG_PORT_API int set_cdb_var_action(struct cli_parse_state *ps,
+                                        const struct cli_parse_node *node);
 AUTHMNG_PORT_API int noprefix_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
 AUTHMNG_PORT_API int c2p_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
 AUTHMNG_PORT_API int eol_action(struct cli_parse_state *ps, const struct cli_parse_node *node);

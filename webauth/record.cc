@@ -30,4 +30,6 @@ extern "C" void authmng_webauth_init(void) {
     clear_record(g_authmng_webauth_tmp);
 }
 
-extern "C" int authmng_webauth_statistic_change(void) { return 1; }
+extern "C" int authmng_webauth_statistic_change(void) {
+    return 1;
+}

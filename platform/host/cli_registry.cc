@@ -69,9 +69,13 @@ extern "C" int cli_printf(const char *fmt, ...) {
     return n;
 }
 
-extern "C" void authmng_host_cli_output(FILE *out) { g_cli_out.store(out); }
+extern "C" void authmng_host_cli_output(FILE *out) {
+    g_cli_out.store(out);
+}
 
-extern "C" int authmng_host_cli_groups(void) { return group_count(); }
+extern "C" int authmng_host_cli_groups(void) {
+    return group_count();
+}
 
 extern "C" int authmng_host_cli_group_at(int index, int *point, const char **name) {
     const Group *g = group_at(index);

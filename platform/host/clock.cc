@@ -18,9 +18,13 @@ extern "C" void authmng_host_clock_set(int64_t epoch_seconds) {
     g_pinned.store(true);
 }
 
-extern "C" void authmng_host_clock_real(void) { g_pinned.store(false); }
+extern "C" void authmng_host_clock_real(void) {
+    g_pinned.store(false);
+}
 
-extern "C" void authmng_host_clock_fail(int on) { g_failing.store(on != 0); }
+extern "C" void authmng_host_clock_fail(int on) {
+    g_failing.store(on != 0);
+}
 
 extern "C" uint64_t qx_time_get(int selector) {
     if (selector != QX_TIME_WALL_SECONDS || g_failing.load()) return QX_TIME_FAILED;

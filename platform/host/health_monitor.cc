@@ -11,9 +11,15 @@ std::atomic<int> g_resets{0};
 std::atomic<bool> g_failing{false};
 }  // namespace
 
-extern "C" void authmng_host_ham_fail(int on) { g_failing.store(on != 0); }
-extern "C" int authmng_host_ham_registrations(void) { return g_registrations.load(); }
-extern "C" int authmng_host_ham_resets(void) { return g_resets.load(); }
+extern "C" void authmng_host_ham_fail(int on) {
+    g_failing.store(on != 0);
+}
+extern "C" int authmng_host_ham_registrations(void) {
+    return g_registrations.load();
+}
+extern "C" int authmng_host_ham_resets(void) {
+    return g_resets.load();
+}
 
 extern "C" int ham_client_reg_thread_notify(int, int, int, int) {
     if (g_failing.load()) return -1;

@@ -23,21 +23,39 @@ extern "C" {
 
 cli_parse_node Tno_alt = {nullptr, nullptr, nullptr, nullptr};
 
-int append_point_action(cli_parse_state *, const cli_parse_node *) { return 1; }
-int common_keyword_action(cli_parse_state *, const cli_parse_node *) { return 0; }
-int common_number_action(cli_parse_state *, const cli_parse_node *) { return 0; }
-int set_cdb_var_action(cli_parse_state *, const cli_parse_node *) { return 1; }
-int noprefix_action(cli_parse_state *ps, const cli_parse_node *) { return ps->negated; }
-int c2p_action(cli_parse_state *, const cli_parse_node *) { return 1; }
-int eol_action(cli_parse_state *, const cli_parse_node *) { return 0; }
+int append_point_action(cli_parse_state *, const cli_parse_node *) {
+    return 1;
+}
+int common_keyword_action(cli_parse_state *, const cli_parse_node *) {
+    return 0;
+}
+int common_number_action(cli_parse_state *, const cli_parse_node *) {
+    return 0;
+}
+int set_cdb_var_action(cli_parse_state *, const cli_parse_node *) {
+    return 1;
+}
+int noprefix_action(cli_parse_state *ps, const cli_parse_node *) {
+    return ps->negated;
+}
+int c2p_action(cli_parse_state *, const cli_parse_node *) {
+    return 1;
+}
+int eol_action(cli_parse_state *, const cli_parse_node *) {
+    return 0;
+}
 
 uint64_t cli_slot_value(const cli_parse_state *ps, uint32_t slot) {
     if (ps == nullptr) return 0;
     switch (slot) {
-        case CLI_SLOT_CODE: return ps->code;
-        case CLI_SLOT_METHOD: return ps->method;
-        case CLI_SLOT_NUMBER: return ps->number;
-        default: return 0;
+        case CLI_SLOT_CODE:
+            return ps->code;
+        case CLI_SLOT_METHOD:
+            return ps->method;
+        case CLI_SLOT_NUMBER:
+            return ps->number;
+        default:
+            return 0;
     }
 }
 
@@ -45,9 +63,13 @@ const void *cli_slot_pointer(const cli_parse_state *ps, uint32_t slot) {
     return (ps != nullptr && slot == CLI_SLOT_NUMBER) ? ps->pointer : nullptr;
 }
 
-uint32_t cli_gen_mode(const cli_parse_state *ps) { return ps == nullptr ? 0 : ps->gen_mode; }
+uint32_t cli_gen_mode(const cli_parse_state *ps) {
+    return ps == nullptr ? 0 : ps->gen_mode;
+}
 
-int cli_negated(const cli_parse_state *ps) { return ps == nullptr ? 0 : ps->negated; }
+int cli_negated(const cli_parse_state *ps) {
+    return ps == nullptr ? 0 : ps->negated;
+}
 
 int c2p_printf(int cond, cli_parse_state *ps, const char *fmt, ...) {
     if (!cond || ps == nullptr || ps->config_out == nullptr) return 0;

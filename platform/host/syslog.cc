@@ -12,7 +12,9 @@ namespace {
 std::atomic<FILE *> g_syslog_out{nullptr};
 }
 
-extern "C" void authmng_host_syslog_output(FILE *out) { g_syslog_out.store(out); }
+extern "C" void authmng_host_syslog_output(FILE *out) {
+    g_syslog_out.store(out);
+}
 
 extern "C" void printk_syslog_ext(int severity, const char *module, const char *mnemonic, int cls,
                                   const char *fmt, ...) {
@@ -26,7 +28,7 @@ extern "C" void printk_syslog_ext(int severity, const char *module, const char *
     const char *end = (len > 0 && message[len - 1] == '\n') ? "" : "\n";
     FILE *out = g_syslog_out.load();
     if (out == nullptr) out = stderr;
-    fprintf(out, "%d %s %s %d: %s%s", severity, module ? module : "", mnemonic ? mnemonic : "",
-            cls, message, end);
+    fprintf(out, "%d %s %s %d: %s%s", severity, module ? module : "", mnemonic ? mnemonic : "", cls,
+            message, end);
     fflush(out);
 }
