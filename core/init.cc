@@ -32,14 +32,24 @@ void switch_debug_off() {
     store_relaxed(g_authmng_lib_error_dbg, 0);
 }
 
-// Each start-up step returns false (after logging) when start-up must end.
-bool start_webauth(const authmng_reg_t &reg) {
-    if (authmng_create_dir(kWebauthDir, 1) != 0) {
-        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "Failed to create flash webauth dir.\r\n");
+// A client's directory in the flash area, then in the temporary area; false
+// (after logging the message of the failed area) when one cannot be made.
+bool create_client_dirs(const char *relative, const char *flash_failure, const char *tmp_failure) {
+    if (authmng_create_dir(relative, 1) != 0) {
+        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "%s", flash_failure);
         return false;
     }
-    if (authmng_create_dir(kWebauthDir, 0) != 0) {
-        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "Failed to create tmp webauth dir.\r\n");
+    if (authmng_create_dir(relative, 0) != 0) {
+        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "%s", tmp_failure);
+        return false;
+    }
+    return true;
+}
+
+// Each start-up step returns false (after logging) when start-up must end.
+bool start_webauth(const authmng_reg_t &reg) {
+    if (!create_client_dirs(kWebauthDir, "Failed to create flash webauth dir.\r\n",
+                            "Failed to create tmp webauth dir.\r\n")) {
         return false;
     }
     cli_add_command(kConfigPoint, &Tcfg_authmng_lib_cmd, "cfg authmanage");
@@ -53,12 +63,8 @@ bool start_webauth(const authmng_reg_t &reg) {
 }
 
 bool start_dot1x(const authmng_reg_t &reg) {
-    if (authmng_create_dir(kDot1xDir, 1) != 0) {
-        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "Failed to create dot1x dir.\r\n");
-        return false;
-    }
-    if (authmng_create_dir(kDot1xDir, 0) != 0) {
-        AUTHMNG_LOG_RECORD("AUTHMNG_CREATE_DIR", "Failed to create tmp dot1x dir.\r\n");
+    if (!create_client_dirs(kDot1xDir, "Failed to create dot1x dir.\r\n",
+                            "Failed to create tmp dot1x dir.\r\n")) {
         return false;
     }
     cli_add_command(reg.show_mode, &Texec_1x_authmng_lib_show_cmd, "show authmng info");
