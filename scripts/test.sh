@@ -1,44 +1,96 @@
 #!/usr/bin/env bash
-# Installs what a fresh Debian machine lacks, builds the library, runs every
-# test, then installs it into a staging prefix and builds the plain-C example
-# daemon against it through pkg-config.
+# The project's test command. Installs what a fresh Debian machine lacks,
+# then runs every stage; any failing stage fails the whole run.
+#
+#   scripts/test.sh                 all stages
+#   AUTHMNG_STAGES="main asan" scripts/test.sh   only these
+#
+# Stages:
+#   main   gcc build, all tests, install + plain-C example via pkg-config
+#   asan   all tests under AddressSanitizer + UndefinedBehaviorSanitizer
+#   tsan   all tests (the stress tests among them) under ThreadSanitizer
+#   clang  clang build with -Werror, all tests
+#   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
+stages=${AUTHMNG_STAGES:-main asan tsan clang mips}
+out=${AUTHMNG_BUILD_DIR:-$root/build}
+jobs=$(nproc)
 
 packages=()
 need() { dpkg -s "$1" >/dev/null 2>&1 || packages+=("$1"); }
-need cmake
-need ninja-build
-need g++
-need gcc
-need pkg-config
-need libgtest-dev
-need libgmock-dev
-need binutils
+for p in cmake ninja-build g++ gcc pkg-config binutils libgtest-dev libgmock-dev googletest; do
+    need "$p"
+done
+case " $stages " in *" clang "*) need clang ;; esac
+case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
 if ((${#packages[@]})); then
     export DEBIAN_FRONTEND=noninteractive
     apt-get update
     apt-get install -y --no-install-recommends "${packages[@]}"
 fi
 
-build=${AUTHMNG_BUILD_DIR:-$root/build}
-cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build "$build"
-ctest --test-dir "$build" --output-on-failure -j"$(nproc)"
+summary=()
+run_stage() {
+    local name=$1
+    shift
+    local start=$SECONDS
+    echo "=== stage $name ==="
+    "$@"
+    summary+=("$name: $((SECONDS - start)) s")
+}
 
-# The installed library from a plain-C program, as a daemon developer uses it.
-stage=$build/stage
-rm -rf "$stage"
-cmake --install "$build" --prefix "$stage" >/dev/null
-export PKG_CONFIG_PATH=$stage/lib/pkgconfig:$stage/lib/x86_64-linux-gnu/pkgconfig:$stage/lib64/pkgconfig
-example=$build/example-from-install
-# shellcheck disable=SC2046
-gcc -std=c99 -Wall -Wextra -Werror "$root/examples/dot1x_daemon.c" -o "$example" \
-    $(pkg-config --cflags --libs qx_authmng)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-mkdir -p "$work/tmp" "$work/flash"
-TMPDIR=$work/tmp AUTHMNG_FLASH_HOME=$work/flash "$example" >"$work/out.txt" 2>&1
-grep -q "abnormal records queued" "$work/out.txt"
-echo "example daemon: 1 passed, 0 failed"
+configure_build_test() {
+    local dir=$1
+    shift
+    cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+    cmake --build "$dir" -j"$jobs"
+    ctest --test-dir "$dir" --output-on-failure -j"$jobs"
+}
+
+stage_main() {
+    configure_build_test "$out"
+    # The installed library from a plain-C program, as a daemon developer uses it.
+    local stage=$out/stage work example=$out/example-from-install
+    rm -rf "$stage"
+    cmake --install "$out" --prefix "$stage" >/dev/null
+    export PKG_CONFIG_PATH=$stage/lib/pkgconfig
+    # shellcheck disable=SC2046
+    gcc -std=c99 -Wall -Wextra -Werror "$root/examples/dot1x_daemon.c" -o "$example" \
+        $(pkg-config --cflags --libs qx_authmng)
+    work=$(mktemp -d)
+    mkdir -p "$work/tmp" "$work/flash"
+    TMPDIR=$work/tmp AUTHMNG_FLASH_HOME=$work/flash "$example" >"$work/out.txt" 2>&1
+    grep -q "abnormal records queued: " "$work/out.txt" || {
+        cat "$work/out.txt"
+        return 1
+    }
+    rm -rf "$work"
+    echo "example daemon: 1 passed, 0 failed"
+}
+
+stage_asan() {
+    ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        configure_build_test "$out-asan" -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
+stage_tsan() {
+    TSAN_OPTIONS=halt_on_error=1 \
+        configure_build_test "$out-tsan" -DAUTHMNG_SANITIZE=thread -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
+stage_clang() {
+    CC=clang CXX=clang++ configure_build_test "$out-clang"
+}
+
+stage_mips() {
+    configure_build_test "$out-mips" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mips-linux-gnu.cmake" \
+        -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
+for s in $stages; do
+    run_stage "$s" "stage_$s"
+done
+echo "=== stage times ==="
+printf '%s\n' "${summary[@]}"

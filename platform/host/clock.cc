@@ -3,18 +3,24 @@
 #include <atomic>
 #include <cstdint>
 #include <ctime>
+#include <mutex>
 
 #include "authmng_host.h"
 #include "authmng_platform.h"
 
 namespace {
 std::atomic<bool> g_pinned{false};
-std::atomic<int64_t> g_pinned_seconds{0};
+// 64-bit atomics are not lock-free on every target; a mutex serves.
+std::mutex g_pinned_mutex;
+int64_t g_pinned_seconds = 0;
 std::atomic<bool> g_failing{false};
 }  // namespace
 
 extern "C" void authmng_host_clock_set(int64_t epoch_seconds) {
-    g_pinned_seconds.store(epoch_seconds);
+    {
+        std::lock_guard<std::mutex> lock(g_pinned_mutex);
+        g_pinned_seconds = epoch_seconds;
+    }
     g_pinned.store(true);
 }
 
@@ -28,7 +34,10 @@ extern "C" void authmng_host_clock_fail(int on) {
 
 extern "C" uint64_t qx_time_get(int selector) {
     if (selector != QX_TIME_WALL_SECONDS || g_failing.load()) return QX_TIME_FAILED;
-    if (g_pinned.load()) return static_cast<uint64_t>(g_pinned_seconds.load());
+    if (g_pinned.load()) {
+        std::lock_guard<std::mutex> lock(g_pinned_mutex);
+        return static_cast<uint64_t>(g_pinned_seconds);
+    }
     return static_cast<uint64_t>(time(nullptr));
 }
 
