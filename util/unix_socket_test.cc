@@ -1,0 +1,113 @@
+// The socket helpers on real local sockets in a temporary directory.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "authmng.h"
+
+namespace {
+
+class UnixSocketTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/authmng_sock_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir_ = pattern;
+    }
+    void TearDown() override { EXPECT_EQ(system(("rm -rf '" + dir_ + "'").c_str()), 0); }
+    // A path in the directory of exactly total characters.
+    std::string path_of_length(size_t total) const {
+        return dir_ + "/" + std::string(total - dir_.size() - 1, 'p');
+    }
+    // A listening end at path and a connected pair.
+    void connect_pair(const std::string &path, int *client, int *server) {
+        int listener = authmng_unix_socket_init(path.c_str());
+        ASSERT_EQ(listen(listener, 4), 0);
+        *client = socket(AF_UNIX, SOCK_SEQPACKET, 0);
+        ASSERT_EQ(authmng_unix_connect(*client, path.c_str()), 0);
+        *server = accept(listener, nullptr, nullptr);
+        ASSERT_GE(*server, 0);
+    }
+    std::string dir_;
+};
+
+TEST_F(UnixSocketTest, BindsOverOldFileAndHonoursThe107CharacterLimit) {
+    EXPECT_GE(authmng_unix_socket_init((dir_ + "/again").c_str()), 0);
+    EXPECT_GE(authmng_unix_socket_init((dir_ + "/again").c_str()), 0);
+    int probe = socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    close(probe);
+    EXPECT_EQ(authmng_unix_socket_init((dir_ + "/missing/sock").c_str()), -1);
+    EXPECT_EQ(authmng_unix_socket_init(nullptr), -1);
+    EXPECT_EQ(socket(AF_UNIX, SOCK_SEQPACKET, 0), probe);  // the failed socket was closed
+
+    std::string path107 = path_of_length(107), path108 = path_of_length(108);
+    int client = -1, server = -1;
+    connect_pair(path107, &client, &server);
+    // A listener at all 108 characters (the system takes them unterminated):
+    // the helper still refuses the path.
+    int full = socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    sockaddr_un addr = {};
+    addr.sun_family = AF_UNIX;
+    memcpy(addr.sun_path, path108.data(), 108);
+    ASSERT_EQ(bind(full, reinterpret_cast<sockaddr *>(&addr), sizeof(addr)), 0);
+    ASSERT_EQ(listen(full, 4), 0);
+    EXPECT_EQ(authmng_unix_connect(socket(AF_UNIX, SOCK_SEQPACKET, 0), path108.c_str()), -1);
+
+    // Binding the 108-character path removes its file and lands on the
+    // first 107 characters.
+    ASSERT_EQ(unlink(path107.c_str()), 0);
+    EXPECT_GE(authmng_unix_socket_init(path108.c_str()), 0);
+    struct stat st;
+    EXPECT_TRUE(stat(path107.c_str(), &st) == 0 && S_ISSOCK(st.st_mode));
+    EXPECT_NE(stat(path108.c_str(), &st), 0);
+}
+
+TEST_F(UnixSocketTest, MessagesKeepTheirBoundariesAndEndWithZeroAfterClose) {
+    int client = -1, server = -1;
+    connect_pair(dir_ + "/trip", &client, &server);
+    EXPECT_EQ(authmng_unix_send(client, "hello", 5), 5);
+    EXPECT_EQ(authmng_unix_send(client, "authmng!", 8), 8);
+    char buf[64] = {};
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 5);
+    EXPECT_EQ(std::string(buf, 5), "hello");
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 8);
+    EXPECT_EQ(std::string(buf, 8), "authmng!");
+    EXPECT_EQ(authmng_unix_send(client, nullptr, 4), -1);
+    EXPECT_EQ(authmng_unix_receive(server, buf, -1), -1);
+
+    // The receive waits out an empty queue until the message arrives.
+    std::thread late([client] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        authmng_unix_send(client, "late", 4);
+        close(client);
+    });
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 4);
+    late.join();
+    EXPECT_EQ(std::string(buf, 4), "late");
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 0);
+}
+
+TEST_F(UnixSocketTest, SendOnFullSocketFailsAtOnce) {
+    int client = -1, server = -1;
+    connect_pair(dir_ + "/full", &client, &server);
+    char chunk[1024] = {};
+    int accepted = 0, result = 0;
+    while ((result = authmng_unix_send(client, chunk, sizeof(chunk))) == 1024) {
+        ASSERT_LT(++accepted, 100000);
+    }
+    int error = errno;
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, EAGAIN);
+    EXPECT_GT(accepted, 0);
+}
+
+}  // namespace
