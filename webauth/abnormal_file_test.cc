@@ -1,0 +1,81 @@
+#include <arpa/inet.h>
+#include <sys/stat.h>
+
+#include <cstring>
+#include <string>
+
+#include "support/fixture.h"
+
+using namespace authmng_test;
+
+namespace {
+
+const std::string kHeader =
+    "date,username,mac,ip,ack_time,auth_time,scc_time,acct_time,portal_time,auth_aaa_time,"
+    "auth_rds_time,auth_rds_svr_time,acct_aaa_time,acct_rds_time,acct_rds_svr_time,wba_code,"
+    "wba_state,wba_event,aaa_auth_code,rds_auth_code,aaa_acct_code,rds_acct_code\n";
+
+class WebauthAbnormalFileTest : public AuthmngTest {
+protected:
+    void SetUp() override {
+        AuthmngTest::SetUp();
+        ASSERT_EQ(start(AUTHMNG_CLIENT_WBA), 0);
+        path = flash_path("/security/authmanage/webauth/wba_abnormal.csv");
+    }
+    std::string path;
+};
+
+TEST_F(WebauthAbnormalFileTest, RowsCarryEveryFieldAndTheQueueTime) {
+    authmng_write_webauth_abnormal_record_to_file();  // empty list: header only
+    EXPECT_EQ(read_file(path), kHeader);
+
+    authmng_auth_info_t e = event_record(AUTHMNG_CLIENT_WBA, WBA_EVENT_AUTH, 9);
+    strcpy(e.username, "alice");
+    const uint8_t mac[6] = {0x00, 0x1a, 0x2b, 0x3c, 0x4d, 0x5e};
+    memcpy(e.mac, mac, sizeof mac);
+    e.ip = htonl(0xC0A80114);
+    e.ack_time = 105, e.auth_time = 106, e.scc_time = 107, e.acct_time = 108;
+    e.portal_time = 109, e.aaa_time = 110, e.rds_time = 111, e.rds_srv_time = 112;
+    e.acct_aaa_time = 113, e.acct_rds_time = 114, e.acct_rds_svr_time = 115, e.wba_state = 117;
+    e.wba_event = 118, e.aaa_code = -119, e.rds_code = 120, e.aaa_acct_code = -121;
+    e.rds_acct_code = 122;
+    authmng_record_abnormal_auth(&e);
+    authmng_auth_info_t unterminated = event_record(AUTHMNG_CLIENT_WBA, WBA_EVENT_AUTH, 1);
+    memset(unterminated.username, 'u', sizeof unterminated.username);
+    unterminated.mac[0] = 0xff;
+    authmng_host_clock_set(kMonday140507 + 3600 + 60 + 1);
+    authmng_record_abnormal_auth(&unterminated);
+    authmng_host_clock_set(kMonday140507 + 86400);  // written a day later
+    authmng_write_webauth_abnormal_record_to_file();
+    EXPECT_EQ(read_file(path), kHeader +
+                                   "3.9 14:5:7,alice,001a.2b3c.4d5e,192.168.1.20,105,106,107,108,"
+                                   "109,110,111,112,113,114,115,9,117,118,-119,120,-121,122\n"
+                                   "3.9 15:6:8," +
+                                   std::string(256, 'u') +
+                                   ",ff00.0000.0000,0.0.0.0,0,0,0,0,0,0,0,0,0,0,0,1,0,0,0,0,0,0\n");
+    EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
+    EXPECT_EQ(g_authmng_auth_abnormal_record_list.next, &g_authmng_auth_abnormal_record_list);
+}
+
+TEST_F(WebauthAbnormalFileTest, SizeLimitAndUnopenableFile) {
+    authmng_auth_info_t e = event_record(AUTHMNG_CLIENT_WBA, WBA_EVENT_AUTH, 1);
+    const std::string row =
+        "3.9 14:5:7,,0000.0000.0000,0.0.0.0,0,0,0,0,0,0,0,0,0,0,0,1,0,0,0,0,0,0\n";
+    write_file_of_size(path, 600000);
+    authmng_record_abnormal_auth(&e);
+    authmng_write_webauth_abnormal_record_to_file();
+    EXPECT_EQ(read_file(path).substr(600000), row);
+
+    write_file_of_size(path, 600001);
+    authmng_record_abnormal_auth(&e);
+    authmng_write_webauth_abnormal_record_to_file();
+    EXPECT_EQ(read_file(path), kHeader + row);
+
+    remove(path.c_str());
+    ASSERT_EQ(mkdir(path.c_str(), 0777), 0);
+    authmng_record_abnormal_auth(&e);
+    authmng_write_webauth_abnormal_record_to_file();  // records wait for the next write
+    EXPECT_EQ(g_authmng_abnormal_record_num, 1u);
+}
+
+}  // namespace
