@@ -552,8 +552,26 @@ AUTHMNG_API void authmng_show_webauth_tmp_file(void);
  * User escape
  * ---------------------------------------------------------------------- */
 
-/* The web-auth daemon's once-a-minute report; fills *result with the
- * verdict. Takes g_authmng_mtx. */
+/* The web-auth daemon's once-a-minute report of its running totals; fills
+ * *result with the verdict (all zero while user escape is off and on a
+ * report that only sets the baseline). Runs on the calling thread and takes
+ * g_authmng_mtx.
+ *
+ * A total smaller than at the previous report (the daemon restarted its
+ * totals, or a 32-bit total passed its top) sets the wrapped flag and counts
+ * its new value alone as the period's increase (not the wrap-around
+ * difference, which after a restart would be a made-up increase of up to
+ * 2^32). After a restart the samples are those of the time since the
+ * restart; after a time total wrapped, that one report's sample is
+ * understated, never overstated, so neither starts a false escape or
+ * restart.
+ *
+ * The verdict carries every escape in progress: escape_ratio is the largest
+ * ratio of the checks, so an escape held by the auth check is not reported
+ * as 0 by the authtimeout check that runs after it; when an earlier check
+ * decides (the redirect check setting reboot_enable) the later checks do not
+ * run, yet an escape one of them holds is still reported. escape_time is
+ * set whenever a check starts, keeps or ends an escape in the report. */
 AUTHMNG_API void authmng_get_check_result(const authmng_check_input_t *totals,
                                           authmng_check_result_t *result);
 
