@@ -31,8 +31,8 @@ AUTHMNG_PORT_API void printk_syslog_ext(int severity, const char *module, const 
 
 /* ---- time ----------------------------------------------------------- */
 
-#define QX_TIME_WALL_SECONDS 2            /* selector: wall clock, seconds */
-#define QX_TIME_FAILED UINT64_MAX         /* result of a failed reading */
+#define QX_TIME_WALL_SECONDS 2    /* selector: wall clock, seconds */
+#define QX_TIME_FAILED UINT64_MAX /* result of a failed reading */
 
 /* Wall-clock seconds since the epoch for selector 2; QX_TIME_FAILED on
  * failure. */
@@ -74,6 +74,7 @@ AUTHMNG_PORT_API int sys_add_debug(const char *name, authmng_debug_switch_t *tab
 /* Keyword attribute words (see platform/README.md for the host meaning). */
 #define CLI_KW_ATTR_PLAIN 2u
 #define CLI_KW_ATTR_HIDDEN 18u
+#define CLI_KW_ATTR_HIDDEN_BIT 0x10u /* the bit that makes 18 of 2 */
 
 /* Keyword kinds. */
 #define CLI_KW_PLAIN 2u
@@ -90,12 +91,14 @@ struct cli_parse_node;
 typedef int (*cli_action_t)(struct cli_parse_state *ps, const struct cli_parse_node *node);
 typedef void (*cli_handler_t)(struct cli_parse_state *ps);
 
-/* A parse node: action, its argument record, accept and alternate links. */
+/* A parse node: action, its argument record, accept and alternate links.
+ * The trees are static and read-only to the framework; a link that leads
+ * nowhere is &Tno_alt. */
 struct cli_parse_node {
     cli_action_t action;
     const void *arg;
-    struct cli_parse_node *accept;
-    struct cli_parse_node *alternate;
+    const struct cli_parse_node *accept;
+    const struct cli_parse_node *alternate;
 };
 
 /* Argument records of the node kinds. */
@@ -141,10 +144,14 @@ typedef struct cli_eol_arg {
 } cli_eol_arg_t;
 
 /* The node kinds. */
-AUTHMNG_PORT_API int append_point_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int common_keyword_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int common_number_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
-AUTHMNG_PORT_API int set_cdb_var_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
+AUTHMNG_PORT_API int append_point_action(struct cli_parse_state *ps,
+                                         const struct cli_parse_node *node);
+AUTHMNG_PORT_API int common_keyword_action(struct cli_parse_state *ps,
+                                           const struct cli_parse_node *node);
+AUTHMNG_PORT_API int common_number_action(struct cli_parse_state *ps,
+                                          const struct cli_parse_node *node);
+AUTHMNG_PORT_API int set_cdb_var_action(struct cli_parse_state *ps,
+                                        const struct cli_parse_node *node);
 AUTHMNG_PORT_API int noprefix_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
 AUTHMNG_PORT_API int c2p_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
 AUTHMNG_PORT_API int eol_action(struct cli_parse_state *ps, const struct cli_parse_node *node);
