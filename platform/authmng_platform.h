@@ -74,6 +74,7 @@ AUTHMNG_PORT_API int sys_add_debug(const char *name, authmng_debug_switch_t *tab
 /* Keyword attribute words (see platform/README.md for the host meaning). */
 #define CLI_KW_ATTR_PLAIN 2u
 #define CLI_KW_ATTR_HIDDEN 18u
+#define CLI_KW_ATTR_HIDDEN_BIT 0x10u /* the bit that makes 18 of 2 */
 
 /* Keyword kinds. */
 #define CLI_KW_PLAIN 2u
@@ -90,12 +91,14 @@ struct cli_parse_node;
 typedef int (*cli_action_t)(struct cli_parse_state *ps, const struct cli_parse_node *node);
 typedef void (*cli_handler_t)(struct cli_parse_state *ps);
 
-/* A parse node: action, its argument record, accept and alternate links. */
+/* A parse node: action, its argument record, accept and alternate links.
+ * The trees are static and read-only to the framework; a link that leads
+ * nowhere is &Tno_alt. */
 struct cli_parse_node {
     cli_action_t action;
     const void *arg;
-    struct cli_parse_node *accept;
-    struct cli_parse_node *alternate;
+    const struct cli_parse_node *accept;
+    const struct cli_parse_node *alternate;
 };
 
 /* Argument records of the node kinds. */

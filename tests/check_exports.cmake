@@ -1,12 +1,7 @@
 # The shared library exports exactly the names of NAMES (the public header's
-# declarations): nothing more, so hidden visibility holds, and nothing less,
-# apart from the names in PENDING (declared ahead of the work that builds
-# them). Every listed name must also appear in HEADER.
+# declarations): nothing more, so hidden visibility holds, and nothing less.
+# Every listed name must also appear in HEADER.
 file(STRINGS ${NAMES} expected REGEX "^[A-Za-z_]")
-set(pending "")
-if(EXISTS ${PENDING})
-  file(STRINGS ${PENDING} pending REGEX "^[A-Za-z_]")
-endif()
 file(READ ${HEADER} header)
 
 if(NOT NM)
@@ -34,12 +29,8 @@ foreach(name ${exported})
 endforeach()
 foreach(name ${expected})
   list(FIND exported ${name} at)
-  list(FIND pending ${name} waiting)
-  if(at EQUAL -1 AND waiting EQUAL -1)
+  if(at EQUAL -1)
     string(APPEND errors "listed but not exported: ${name}\n")
-  endif()
-  if(NOT at EQUAL -1 AND NOT waiting EQUAL -1)
-    string(APPEND errors "exported now, take it off the pending list: ${name}\n")
   endif()
   string(REGEX MATCH "[ *]${name}[[();]" declared "${header}")
   if(NOT declared)
