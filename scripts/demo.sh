@@ -32,7 +32,6 @@ echo "=================== an 802.1X daemon, one day ==================="
 "$sim" --client dot1x --out "$out/dot1x" --users 300 --until 2026-03-10T01:01:00 \
     --cmd 'show dot1x authmng statistic' \
     --cmd 'show dot1x authmng mab statistic telnet' \
-    --cmd 'show dot1x authmng abnormal auth' \
     --cmd 'debug dot1x authmng summary'
 show_files "$out/dot1x"
 
@@ -41,6 +40,5 @@ echo "=================== a web-auth daemon, one day ==================="
 "$sim" --client webauth --out "$out/webauth" --users 300 --until 2026-03-10T01:01:00 \
     --cmd 'show webauth authmng statistic' \
     --cmd 'show webauth authmng statistic telnet' \
-    --cmd 'show authmanage user-escape' \
-    --cmd 'show webauth authmng abnormal'
+    --cmd 'show authmanage user-escape'
 show_files "$out/webauth"

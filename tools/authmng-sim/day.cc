@@ -31,7 +31,8 @@ constexpr Weighted kDot1xFailures[] = {
 constexpr Weighted kDot1xOfflines[] = {
     {0, 55}, {101, 15}, {2, 10}, {4, 5}, {24, 5}, {61, 4}, {7, 3}, {29, 3},
 };
-constexpr Weighted kWebauthFailures[] = {{1, 60}, {2, 20}, {3, 5}, {7, 10}, {13, 5}};
+// AAA time-outs (code 2) come from the server slowdown only.
+constexpr Weighted kWebauthFailures[] = {{1, 70}, {3, 8}, {7, 15}, {13, 7}};
 constexpr Weighted kWebauthOfflines[] = {
     {0, 35}, {5, 25}, {7, 15}, {1, 5}, {2, 5}, {6, 5}, {10, 3}, {11, 4}, {19, 3},
 };

@@ -22,7 +22,14 @@ uint32_t sample_cpp(int) {
     return __atomic_load_n(&g_cpp_value, __ATOMIC_RELAXED);
 }
 
+// Creates path and any missing parents.
 bool make_dir(const std::string &path, std::string *error) {
+    size_t slash = path.find_last_of('/');
+    if (slash != std::string::npos && slash > 0) {
+        struct stat st;
+        std::string parent = path.substr(0, slash);
+        if (stat(parent.c_str(), &st) != 0 && !make_dir(parent, error)) return false;
+    }
     if (mkdir(path.c_str(), 0777) == 0 || errno == EEXIST) return true;
     *error = "cannot create " + path + ": " + strerror(errno);
     return false;
