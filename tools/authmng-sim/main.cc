@@ -285,13 +285,13 @@ int main(int argc, char **argv) {
     int64_t start = 0;
     bool start_given = !options.start.empty();
     if (!start_given) options.start = kDefaultStart;
-    if (!parse_time(options.start, 0, &start)) {
+    if (!parse_time(options.start.c_str(), 0, &start)) {
         fprintf(stderr, "authmng-sim: --start: '%s' is not YYYY-MM-DDTHH:MM:SS\n",
                 options.start.c_str());
         return 2;
     }
     int64_t until = 0;
-    if (!options.until.empty() && !parse_time(options.until, start, &until)) {
+    if (!options.until.empty() && !parse_time(options.until.c_str(), start, &until)) {
         fprintf(stderr, "authmng-sim: --until: '%s' is not YYYY-MM-DDTHH:MM:SS\n",
                 options.until.c_str());
         return 2;

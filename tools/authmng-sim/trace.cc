@@ -40,10 +40,14 @@ struct Field {
     const char *name;
     std::size_t offset;
     FieldType type;
+    std::size_t length;  // of name
 };
 
-#define AUTH_FIELD(name, type) \
-    { #name, offsetof(authmng_auth_info_t, name), FieldType::type }
+// A field of a record, by its name in the record.
+#define FIELD_OF(record, name, type) \
+    { #name, offsetof(record, name), FieldType::type, sizeof #name - 1 }
+
+#define AUTH_FIELD(name, type) FIELD_OF(authmng_auth_info_t, name, type)
 constexpr Field kAuthFields[] = {
     AUTH_FIELD(online_num, U64),
     AUTH_FIELD(reauth_num, U64),
@@ -84,28 +88,28 @@ constexpr Field kAuthFields[] = {
 #undef AUTH_FIELD
 
 constexpr Field kRedirectFields[] = {
-    {"rd_user", offsetof(authmng_rd_info_t, rd_user), FieldType::U64},
-    {"rd_time", offsetof(authmng_rd_info_t, rd_time), FieldType::U32},
-    {"rd_result", offsetof(authmng_rd_info_t, rd_result), FieldType::U32},
+    FIELD_OF(authmng_rd_info_t, rd_user, U64),
+    FIELD_OF(authmng_rd_info_t, rd_time, U32),
+    FIELD_OF(authmng_rd_info_t, rd_result, U32),
 };
 
 constexpr Field kCppFields[] = {
-    {"value", offsetof(CppReport, value), FieldType::U32},
+    FIELD_OF(CppReport, value, U32),
 };
 
 constexpr Field kMoveFields[] = {
-    {"move_type", offsetof(authmng_stamove_info_t, move_type), FieldType::U32},
-    {"move_fail", offsetof(authmng_stamove_info_t, move_fail), FieldType::U8},
+    FIELD_OF(authmng_stamove_info_t, move_type, U32),
+    FIELD_OF(authmng_stamove_info_t, move_fail, U8),
 };
 
-#define CHECK_FIELD(name) \
-    { #name, offsetof(authmng_check_input_t, name), FieldType::U32 }
+#define CHECK_FIELD(name) FIELD_OF(authmng_check_input_t, name, U32)
 constexpr Field kCheckFields[] = {
     CHECK_FIELD(total_redirect_count),     CHECK_FIELD(total_redirect_time),
     CHECK_FIELD(total_auth_count),         CHECK_FIELD(total_auth_time),
     CHECK_FIELD(total_auth_timeout_count), CHECK_FIELD(max_online_user),
 };
 #undef CHECK_FIELD
+#undef FIELD_OF
 
 struct FieldSet {
     const Field *fields;
@@ -155,6 +159,11 @@ unsigned char *record_of(TraceEvent *event, Category category) {
 
 const unsigned char *record_of(const TraceEvent &event, Category category) {
     return record_of(const_cast<TraceEvent *>(&event), category);
+}
+
+// Name lookups compare the length first: most names differ in it.
+bool same_name(const char *name, std::size_t name_length, const char *word, std::size_t length) {
+    return name_length == length && memcmp(name, word, length) == 0;
 }
 
 bool parse_unsigned(const char *text, uint64_t limit, uint64_t *value) {
@@ -335,26 +344,61 @@ std::string format_time(int64_t epoch) {
     return text;
 }
 
-bool parse_time(const std::string &text, int64_t previous, int64_t *epoch) {
+bool parse_time(const char *text, int64_t previous, int64_t *epoch) {
+    if (text == nullptr) return false;
+    std::size_t size = strlen(text);
     uint64_t number = 0;
-    if (!text.empty() && text[0] == '+') {
-        if (!parse_unsigned(text.c_str() + 1, INT32_MAX, &number)) return false;
+    if (text[0] == '+') {
+        if (!parse_unsigned(text + 1, INT32_MAX, &number)) return false;
         *epoch = previous + static_cast<int64_t>(number);
         return true;
     }
-    if (!text.empty() && text[0] == '@') {
-        if (!parse_unsigned(text.c_str() + 1, INT64_MAX, &number)) return false;
+    if (text[0] == '@') {
+        if (!parse_unsigned(text + 1, INT64_MAX, &number)) return false;
         *epoch = static_cast<int64_t>(number);
         return true;
     }
-    struct tm tm;
-    memset(&tm, 0, sizeof tm);
-    const char *end = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &tm);
-    if (end == nullptr || *end != '\0') return false;
-    tm.tm_isdst = -1;
-    time_t t = mktime(&tm);
-    if (t == static_cast<time_t>(-1)) return false;
-    *epoch = static_cast<int64_t>(t);
+    // YYYY-MM-DDTHH:MM:SS, digits at fixed places.
+    static const char kShape[] = "dddd-dd-ddTdd:dd:dd";
+    if (size != sizeof kShape - 1) return false;
+    int digits[14];
+    int n = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        if (kShape[i] == 'd') {
+            if (text[i] < '0' || text[i] > '9') return false;
+            digits[n++] = text[i] - '0';
+        } else if (text[i] != kShape[i]) {
+            return false;
+        }
+    }
+    int year = digits[0] * 1000 + digits[1] * 100 + digits[2] * 10 + digits[3];
+    int month = digits[4] * 10 + digits[5];
+    int day = digits[6] * 10 + digits[7];
+    int hour = digits[8] * 10 + digits[9];
+    int minute = digits[10] * 10 + digits[11];
+    int second = digits[12] * 10 + digits[13];
+    if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60) {
+        return false;
+    }
+    // The local time of each whole hour is converted once: traces have many
+    // lines per hour, and the conversion reads the time-zone rules.
+    static thread_local int64_t cached_key = -1;
+    static thread_local int64_t cached_hour = 0;
+    int64_t key = ((static_cast<int64_t>(year) * 13 + month) * 32 + day) * 24 + hour;
+    if (key != cached_key) {
+        struct tm tm;
+        memset(&tm, 0, sizeof tm);
+        tm.tm_year = year - 1900;
+        tm.tm_mon = month - 1;
+        tm.tm_mday = day;
+        tm.tm_hour = hour;
+        tm.tm_isdst = -1;
+        time_t t = mktime(&tm);
+        if (t == static_cast<time_t>(-1) || tm.tm_mday != day) return false;
+        cached_key = key;
+        cached_hour = static_cast<int64_t>(t);
+    }
+    *epoch = cached_hour + minute * 60 + second;
     return true;
 }
 
@@ -363,35 +407,40 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
     while (*p == ' ' || *p == '\t') ++p;
     if (*p == '\0' || *p == '\n' || *p == '\r' || *p == '#') return ParseResult::Skipped;
 
-    // Words of the line, without the line end.
-    std::string text(p);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    std::size_t pos = 0;
-    auto next_word = [&text, &pos]() {
-        while (pos < text.size() && (text[pos] == ' ' || text[pos] == '\t')) ++pos;
-        std::size_t start = pos;
-        while (pos < text.size() && text[pos] != ' ' && text[pos] != '\t') ++pos;
-        return text.substr(start, pos - start);
+    // The words of the line, split in place in a buffer kept between lines.
+    words_.assign(p);
+    while (!words_.empty() && (words_.back() == '\n' || words_.back() == '\r')) words_.pop_back();
+    char *cursor = &words_[0];
+    auto next_word = [&cursor](std::size_t *length) -> char * {
+        while (*cursor == ' ' || *cursor == '\t') ++cursor;
+        char *word = cursor;
+        while (*cursor != '\0' && *cursor != ' ' && *cursor != '\t') ++cursor;
+        *length = static_cast<std::size_t>(cursor - word);
+        if (*cursor != '\0') *cursor++ = '\0';
+        return word;
     };
 
-    std::string time_word = next_word();
+    std::size_t length = 0;
+    const char *time_word = next_word(&length);
     int64_t when = 0;
     if (!parse_time(time_word, previous_, &when)) {
-        *error = "bad time '" + time_word + "' (YYYY-MM-DDTHH:MM:SS, @epoch or +seconds)";
+        *error =
+            std::string("bad time '") + time_word + "' (YYYY-MM-DDTHH:MM:SS, @epoch or +seconds)";
         return ParseResult::Error;
     }
     if (when < previous_) {
-        *error = "time '" + time_word + "' goes back before the previous line";
+        *error = std::string("time '") + time_word + "' goes back before the previous line";
         return ParseResult::Error;
     }
 
-    std::string kind_word = next_word();
+    const char *kind_word = next_word(&length);
     std::size_t kind = kKindCount;
-    for (std::size_t i = 0; i < kKindCount; ++i) {
-        if (kind_word == kKinds[i].name) kind = i;
+    for (std::size_t i = 0; i < kKindCount && kind == kKindCount; ++i) {
+        if (same_name(kKinds[i].name, strlen(kKinds[i].name), kind_word, length)) kind = i;
     }
     if (kind == kKindCount) {
-        *error = kind_word.empty() ? "missing kind" : "unknown kind '" + kind_word + "'";
+        *error = length == 0 ? std::string("missing kind")
+                             : std::string("unknown kind '") + kind_word + "'";
         return ParseResult::Error;
     }
 
@@ -399,8 +448,14 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
     event->time = when;
     event->kind = kind;
     if (info.category == Category::Command) {
-        while (pos < text.size() && (text[pos] == ' ' || text[pos] == '\t')) ++pos;
-        event->command = text.substr(pos);
+        while (*cursor == ' ' || *cursor == '\t') ++cursor;
+        // The rest of the line as typed, the blank after the kind included.
+        std::size_t rest = static_cast<std::size_t>(cursor - &words_[0]);
+        event->command = std::string(p).substr(rest);
+        while (!event->command.empty() &&
+               (event->command.back() == '\n' || event->command.back() == '\r')) {
+            event->command.pop_back();
+        }
         if (event->command.empty()) {
             *error = "cmd without a command line";
             return ParseResult::Error;
@@ -409,33 +464,38 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
         return ParseResult::Event;
     }
 
-    memset(&event->info, 0, sizeof event->info);
-    memset(&event->redirect, 0, sizeof event->redirect);
-    memset(&event->move, 0, sizeof event->move);
-    memset(&event->totals, 0, sizeof event->totals);
-    memset(&event->cpp, 0, sizeof event->cpp);
-    event->info.client_type = info.client_type;
-    event->info.event = info.event;
     FieldSet set = fields_of(info.category);
     unsigned char *record = record_of(event, info.category);
-    for (std::string word = next_word(); !word.empty(); word = next_word()) {
-        std::size_t eq = word.find('=');
-        if (eq == std::string::npos || eq == 0) {
-            *error = "'" + word + "' is not field=value";
+    if (info.category == Category::Auth) {
+        memset(&event->info, 0, sizeof event->info);
+        event->info.client_type = info.client_type;
+        event->info.event = info.event;
+    } else {
+        memset(&event->redirect, 0, sizeof event->redirect);
+        memset(&event->move, 0, sizeof event->move);
+        memset(&event->totals, 0, sizeof event->totals);
+        memset(&event->cpp, 0, sizeof event->cpp);
+    }
+    for (char *word = next_word(&length); length > 0; word = next_word(&length)) {
+        char *eq = static_cast<char *>(memchr(word, '=', length));
+        if (eq == nullptr || eq == word) {
+            *error = std::string("'") + word + "' is not field=value";
             return ParseResult::Error;
         }
-        std::string name = word.substr(0, eq);
+        std::size_t name_length = static_cast<std::size_t>(eq - word);
+        *eq = '\0';
         const Field *field = nullptr;
-        for (std::size_t i = 0; i < set.count; ++i) {
-            if (name == set.fields[i].name) field = &set.fields[i];
+        for (std::size_t i = 0; i < set.count && field == nullptr; ++i) {
+            const Field &candidate = set.fields[i];
+            if (same_name(candidate.name, candidate.length, word, name_length)) field = &candidate;
         }
         if (field == nullptr) {
-            *error = "field '" + name + "': no such field for " + info.name;
+            *error = std::string("field '") + word + "': no such field for " + info.name;
             return ParseResult::Error;
         }
-        const char *why = store_field(*field, word.c_str() + eq + 1, record);
+        const char *why = store_field(*field, eq + 1, record);
         if (why != nullptr) {
-            *error = "field '" + name + "': " + why + ": '" + word.substr(eq + 1) + "'";
+            *error = std::string("field '") + word + "': " + why + ": '" + (eq + 1) + "'";
             return ParseResult::Error;
         }
     }

@@ -59,6 +59,7 @@ public:
 
 private:
     int64_t previous_;
+    std::string words_;  // the line being split, reused between lines
 };
 
 // The text form of one event, the inverse of parse (used to write a
@@ -67,7 +68,7 @@ std::string format_event(const TraceEvent &event);
 
 // Local time of an epoch as YYYY-MM-DDTHH:MM:SS; parse_time accepts it.
 std::string format_time(int64_t epoch);
-bool parse_time(const std::string &text, int64_t previous, int64_t *epoch);
+bool parse_time(const char *text, int64_t previous, int64_t *epoch);
 
 }  // namespace authmng_sim
 
