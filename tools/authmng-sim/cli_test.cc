@@ -1,7 +1,6 @@
 // The simulator as a user runs it: options, exit statuses, error messages,
 // and a built-in day written out as a trace and replayed to the same files.
 #include <ftw.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -9,46 +8,33 @@
 #include <map>
 #include <string>
 
+#include "support/fixture.h"
+
 namespace {
 
-int remove_entry(const char *path, const struct stat *, int, struct FTW *) {
-    return remove(path);
-}
-
-std::string read_text(const std::string &path) {
-    std::string text;
-    FILE *f = fopen(path.c_str(), "rb");
-    if (f == nullptr) return "";
-    char chunk[4096];
-    size_t n;
-    while ((n = fread(chunk, 1, sizeof chunk, f)) > 0) text.append(chunk, n);
-    fclose(f);
-    return text;
-}
+using authmng_test::read_file;
 
 std::map<std::string, std::string> *g_files = nullptr;
 size_t g_prefix = 0;
 int collect(const char *path, const struct stat *, int type, struct FTW *) {
-    if (type == FTW_F) (*g_files)[path + g_prefix] = read_text(path);
+    if (type == FTW_F) (*g_files)[path + g_prefix] = read_file(path);
     return 0;
 }
 
-class SimCliTest : public ::testing::Test {
+class SimCliTest : public authmng_test::AuthmngTest {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/authmng-sim-cli-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        root_ = pattern;
+        AuthmngTest::SetUp();
+        root_ = root_dir();
     }
-    void TearDown() override { nftw(root_.c_str(), remove_entry, 16, FTW_DEPTH | FTW_PHYS); }
 
     // Runs the simulator with arguments; its exit status, output and errors.
     int run(const std::string &args) {
         std::string command = std::string("TZ=UTC ") + AUTHMNG_SIM_PATH + " " + args + " >" +
                               root_ + "/stdout 2>" + root_ + "/stderr </dev/null";
         int status = system(command.c_str());
-        out_ = read_text(root_ + "/stdout");
-        err_ = read_text(root_ + "/stderr");
+        out_ = read_file(root_ + "/stdout");
+        err_ = read_file(root_ + "/stderr");
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
     std::map<std::string, std::string> files(const std::string &dir) {

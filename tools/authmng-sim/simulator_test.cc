@@ -3,59 +3,29 @@
 // rows are written out by hand from the file formats.
 #include "simulator.h"
 
-#include <ftw.h>
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
 #include <string>
+
+#include "support/fixture.h"
 
 namespace authmng_sim {
 namespace {
 
-size_t count_rows(const std::string &text) {
-    size_t n = 0;
-    for (char c : text) n += c == '\n';
-    return n;
-}
+using authmng_test::count_lines;
+using authmng_test::read_file;
 
-int remove_entry(const char *path, const struct stat *, int, struct FTW *) {
-    return remove(path);
-}
-
-std::string read_text(const std::string &path) {
-    std::string text;
-    FILE *f = fopen(path.c_str(), "rb");
-    if (f == nullptr) return "<missing>";
-    char chunk[4096];
-    size_t n;
-    while ((n = fread(chunk, 1, sizeof chunk, f)) > 0) text.append(chunk, n);
-    fclose(f);
-    return text;
-}
-
-class SimulatorTest : public ::testing::Test {
+// The fixture's fresh folders and pinned time zone; the simulator points
+// TMPDIR and the flash home under <root>/out itself.
+class SimulatorTest : public authmng_test::AuthmngTest {
 protected:
-    void SetUp() override {
-        setenv("TZ", "UTC", 1);
-        tzset();
-        char pattern[] = "/tmp/authmng-sim-test-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        root_ = pattern;
-    }
-    void TearDown() override { nftw(root_.c_str(), remove_entry, 16, FTW_DEPTH | FTW_PHYS); }
-
     int64_t at(const char *text) {
         int64_t epoch = 0;
         EXPECT_TRUE(parse_time(text, 0, &epoch)) << text;
         return epoch;
     }
-    std::string tmp_file(const char *relative) { return read_text(root_ + "/out/tmp" + relative); }
-    std::string flash_file(const char *relative) {
-        return read_text(root_ + "/out/flash" + relative);
-    }
+    std::string out() { return root_dir() + "/out"; }
+    std::string tmp_file(const char *relative) { return read_file(out() + "/tmp" + relative); }
+    std::string flash_file(const char *relative) { return read_file(out() + "/flash" + relative); }
 
-    std::string root_;
     Simulator sim_;
 };
 
@@ -70,17 +40,17 @@ constexpr char kAbnormalHeader[] =
 
 TEST_F(SimulatorTest, TicksFallOnTheVirtualMinutesAcrossAnHour) {
     std::string error;
-    ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, root_ + "/out", at("2026-03-09T00:45:00"), &error))
+    ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, out(), at("2026-03-09T00:45:00"), &error))
         << error;
     sim_.advance_to(at("2026-03-09T00:59:59"));
     EXPECT_EQ(sim_.ticks(), 14);
-    EXPECT_EQ(flash_file(kStatistic), "<missing>");
+    EXPECT_EQ(flash_file(kStatistic), "");
     sim_.advance_to(at("2026-03-09T01:00:00"));  // tick 15: the daily write
     EXPECT_EQ(sim_.ticks(), 15);
     EXPECT_EQ(flash_file(kAbnormal), kAbnormalHeader);
     EXPECT_NE(flash_file(kStatistic).find("\n03.09 01:00:00,dot1x,"), std::string::npos);
     sim_.advance_to(at("2026-03-09T01:14:59"));
-    EXPECT_EQ(tmp_file(kStatistic), "<missing>");
+    EXPECT_EQ(tmp_file(kStatistic), "");
     sim_.advance_to(at("2026-03-09T01:15:00"));  // tick 30: the interval write
     EXPECT_EQ(tmp_file(kStatistic), std::string(kIntervalHeader) +
                                         "03.09 01:15:00,dot1x,0, 0, 0, ,0, 0, 0, , 0, 0, 0\n"
@@ -89,17 +59,16 @@ TEST_F(SimulatorTest, TicksFallOnTheVirtualMinutesAcrossAnHour) {
 
 TEST_F(SimulatorTest, TicksCrossADayBoundary) {
     std::string error;
-    ASSERT_TRUE(
-        sim_.start(AUTHMNG_CLIENT_DOT1X, root_ + "/out", at("2026-03-09T23:40:00"), &error));
+    ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, out(), at("2026-03-09T23:40:00"), &error));
     ASSERT_EQ(sim_.run_command("debug dot1x authmng write-clock 0"), 0);
     sim_.advance_to(at("2026-03-09T23:59:59"));
-    EXPECT_EQ(flash_file(kStatistic), "<missing>");
+    EXPECT_EQ(flash_file(kStatistic), "");
     sim_.advance_to(at("2026-03-10T00:10:00"));  // ticks 20 (00:00) and 30 (00:10)
     EXPECT_EQ(sim_.ticks(), 30);
     std::string daily = flash_file(kStatistic);
     EXPECT_NE(daily.find("\n03.10 00:00:00,dot1x,"), std::string::npos) << daily;
     EXPECT_NE(daily.find("\n03.10 00:00:00,mab,"), std::string::npos) << daily;
-    EXPECT_EQ(count_rows(daily), 3u) << "one daily write only";
+    EXPECT_EQ(count_lines(daily), 3u) << "one daily write only";
     EXPECT_NE(tmp_file(kStatistic).find("\n03.10 00:10:00,dot1x,0, "), std::string::npos);
 }
 
@@ -121,7 +90,7 @@ TEST_F(SimulatorTest, ReplayedTraceGivesTheCountersAndRowsWrittenOutByHand) {
     for (const char *line : trace) {
         ASSERT_EQ(parser.parse(line, &event, &error), ParseResult::Event) << error;
         if (!started) {
-            ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, root_ + "/out", event.time, &error));
+            ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, out(), event.time, &error));
             started = true;
         }
         sim_.deliver(event);
