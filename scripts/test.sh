@@ -11,10 +11,11 @@
 #   tsan   all tests (the stress tests among them) under ThreadSanitizer
 #   clang  clang build with -Werror, all tests
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
+#   format every C and C++ source formatted as .clang-format says
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-main asan tsan clang mips}
+stages=${AUTHMNG_STAGES:-format main asan tsan clang mips}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -25,6 +26,7 @@ for p in cmake ninja-build g++ gcc pkg-config binutils libgtest-dev libgmock-dev
     need "$p"
 done
 case " $stages " in *" clang "*) need clang ;; esac
+case " $stages " in *" format "*) need clang-format ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
 if ((${#packages[@]})); then
     export DEBIAN_FRONTEND=noninteractive
@@ -83,6 +85,11 @@ stage_tsan() {
 
 stage_clang() {
     CC=clang CXX=clang++ configure_build_test "$out-clang"
+}
+
+stage_format() {
+    git -C "$root" ls-files '*.c' '*.cc' '*.h' | (cd "$root" && xargs clang-format --dry-run --Werror)
+    echo "format: 1 passed, 0 failed"
 }
 
 stage_mips() {
