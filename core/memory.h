@@ -1,19 +1,22 @@
 // Allocation of row buffers and list nodes: zero-filled, no exceptions,
-// and a null result that every caller handles by skipping its work.
+// and a null result that every caller handles by skipping its work. Every
+// allocation of the library goes through the port (authmng_port_zalloc),
+// where a host build can make it fail.
 #ifndef AUTHMNG_CORE_MEMORY_H
 #define AUTHMNG_CORE_MEMORY_H
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
+
+#include "authmng_platform.h"
 
 namespace authmng {
 
 inline void *zalloc(std::size_t size) {
-    return std::calloc(1, size);
+    return authmng_port_zalloc(size);
 }
 inline void release(void *block) {
-    std::free(block);
+    authmng_port_free(block);
 }
 
 struct Releaser {

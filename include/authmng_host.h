@@ -26,6 +26,13 @@ AUTHMNG_HOST_API void authmng_host_clock_real(void);
 /* Nonzero: qx_time_get reports failure (all ones). */
 AUTHMNG_HOST_API void authmng_host_clock_fail(int on);
 
+/* Failing allocations (authmng_port_zalloc): after n more allocations
+ * have succeeded, every further one fails until this is called again; a
+ * negative n (the default) lets every allocation succeed. */
+AUTHMNG_HOST_API void authmng_host_alloc_fail_after(int n);
+/* Allocations the library has asked for so far, failed ones included. */
+AUTHMNG_HOST_API long authmng_host_allocations(void);
+
 /* Where cli_printf writes; NULL = stdout. */
 AUTHMNG_HOST_API void authmng_host_cli_output(FILE *out);
 /* Where syslog lines go; NULL = stderr. */

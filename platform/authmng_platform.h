@@ -6,6 +6,7 @@
 #ifndef AUTHMNG_PLATFORM_H
 #define AUTHMNG_PLATFORM_H
 
+#include <stddef.h>
 #include <stdint.h>
 #include <sys/time.h>
 
@@ -28,6 +29,14 @@ extern "C" {
 AUTHMNG_PORT_API void printk_syslog_ext(int severity, const char *module, const char *mnemonic,
                                         int cls, const char *fmt, ...)
     __attribute__((format(printf, 5, 6)));
+
+/* ---- memory ------------------------------------------------------- */
+
+/* size zero-filled bytes for a row buffer, scratch text or abnormal-list
+ * node; NULL when no memory is left (every caller then skips its work).
+ * Released with authmng_port_free. Callable from any thread. */
+AUTHMNG_PORT_API void *authmng_port_zalloc(size_t size);
+AUTHMNG_PORT_API void authmng_port_free(void *block);
 
 /* ---- time ----------------------------------------------------------- */
 
