@@ -92,8 +92,10 @@ int username_length(const authmng_auth_info_t &info) {
     return static_cast<int>(strnlen(info.username, sizeof info.username));
 }
 
+// Counters carry no overflow guard: a total that passed 2^64 - 1 reads 0,
+// and its rate is then 0 rather than a division by zero.
 uint32_t percent(uint64_t part, uint64_t whole) {
-    return static_cast<uint32_t>(part * 100 / whole);
+    return whole == 0 ? 0 : static_cast<uint32_t>(part * 100 / whole);
 }
 
 void authmng_notify_dot1x_get_online_num(authmng_dot1x_stat_t &record, uint64_t online_num) {
@@ -151,11 +153,12 @@ void authmng_notify_dot1x_info_auth(uint32_t method, authmng_dot1x_stat_t &recor
 
     if (result == kResultSuccess) {
         analyse_success_time(method, record, *info, threshold);
-        // Running average of the successes, in 32-bit arithmetic.
+        // Running average of the successes, in 32-bit arithmetic. A success
+        // count that has just passed 2^64 - 1 reads 0: the average stays.
         uint64_t n = record.auth_result[kResultSuccess];
         uint32_t t = info->auth_time;
         uint32_t sum = record.auth_avg_time * static_cast<uint32_t>(n - 1) + t;
-        record.auth_avg_time = static_cast<uint32_t>(sum / n);
+        if (n != 0) record.auth_avg_time = static_cast<uint32_t>(sum / n);
         AUTHMNG_EVENT_DBG("user(%.*s)1x auth time: %u.\n", username_length(*info), info->username,
                           t);
         AUTHMNG_EVENT_DBG("auth_time: %ums, su_total: %ums, su_result: %" PRIu64 "\n", t, sum, n);

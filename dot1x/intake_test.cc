@@ -234,6 +234,23 @@ TEST_F(Dot1xIntakeTest, EventEntryRoutesByKind) {
     EXPECT_EQ(d1x(AUTHMNG_METHOD_DOT1X).auth_total + d1x(AUTHMNG_METHOD_MAB).auth_total, 2u);
 }
 
+// Counters carry no overflow guard: totals that pass 2^64 - 1 read 0, and
+// the rates and the average taken from them do not divide by that zero.
+TEST_F(Dot1xIntakeTest, CountersPastTheirTopWrapWithoutTrapping) {
+    authmng_dot1x_stat_t &r = g_amg_d1x[0];
+    r.auth_total = r.auth_result[0] = r.reauth_total = UINT64_MAX;
+    r.auth_avg_time = 700;
+    send(auth(500));
+    EXPECT_EQ(d1x().auth_total + d1x().auth_result[0] + d1x().auth_success_rate, 0u);
+    EXPECT_EQ(d1x().auth_avg_time, 700u);
+    send(auth(100));  // one success since the wrap: 100 / 1
+    EXPECT_EQ(d1x().auth_avg_time, 100u);
+    EXPECT_EQ(d1x().auth_success_rate, 100u);
+    authmng_auth_info_t reauth = event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH, 0);
+    send(reauth);
+    EXPECT_EQ(d1x().reauth_total + d1x().reauth_success_rate, 0u);
+}
+
 // A user name filling its 256 bytes, in a record that ends at an unreadable
 // page with no zero byte after the name: nothing reads past the field.
 TEST_F(Dot1xIntakeTest, UnterminatedUsernameIsBounded) {
