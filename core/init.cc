@@ -90,6 +90,7 @@ bool start_cpp() {
 }  // namespace
 
 extern "C" int authmng_init_mtx(pthread_mutex_t *mutex) {
+    if (mutex == nullptr) return -1;
     pthread_mutexattr_t attr;
     pthread_mutexattr_init(&attr);
     pthread_mutexattr_settype(&attr, PTHREAD_MUTEX_RECURSIVE);

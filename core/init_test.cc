@@ -185,6 +185,7 @@ TEST_F(InitTest, MutexIsRecursiveAfterStartUp) {
     EXPECT_EQ(pthread_mutex_trylock(&g_authmng_mtx), 0);
     pthread_mutex_unlock(&g_authmng_mtx);
     pthread_mutex_unlock(&g_authmng_mtx);
+    EXPECT_EQ(authmng_init_mtx(nullptr), -1);  // no mutex to set up: refused
 }
 
 }  // namespace

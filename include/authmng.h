@@ -441,8 +441,8 @@ AUTHMNG_API extern struct cli_parse_node Tauthmanage_debug_array;
  * other entry. Returns 0, or -1 with a syslog record naming the step. */
 AUTHMNG_API int32_t authmng_init(const authmng_reg_t *reg);
 
-/* Make *mutex recursive. Returns 0; ends the process with status 1 when the
- * mutex cannot be initialised. */
+/* Make *mutex recursive. Returns 0 (-1 for a NULL mutex); ends the process
+ * with status 1 when the mutex cannot be initialised. */
 AUTHMNG_API int authmng_init_mtx(pthread_mutex_t *mutex);
 
 /* Register a client's debug group and switches (called by authmng_init).
