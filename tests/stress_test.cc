@@ -1,0 +1,215 @@
+// Daemon threads report events while the timer's writers, the displays,
+// the clears and the tuning commands run. Afterwards the records keep their
+// invariants, and every abnormal record that was queued is in the abnormal
+// file exactly once, in the order of its thread. Also run under
+// ThreadSanitizer.
+#include <atomic>
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/abnormal_list.h"
+#include "core/lock.h"
+#include "support/fixture.h"
+
+using namespace authmng_test;
+
+namespace {
+
+constexpr int kIntakes = 3;
+constexpr int kEvents = 1200;  // per intake thread; fewer abnormal ones
+// "abnormal-value" moves between these: times up to the lower bound are
+// never abnormal, times above the upper one always are.
+constexpr uint32_t kThresholdLow = 3000, kThresholdHigh = 10000;
+// "record-num" stays above what can be queued at all (a fifth to a half of
+// the events), so nothing is evicted and every queued record is accounted.
+constexpr uint32_t kCapLow = 5000;
+
+bool dot1x_consistent(const authmng_dot1x_stat_t &r) {
+    uint64_t auth = 0, reauth = 0, offline = 0;
+    for (int code = 0; code < AUTHMNG_D1X_CODE_NUM; ++code) {
+        auth += r.auth_result[code], reauth += r.reauth_result[code];
+        offline += r.offline_reason[code];
+    }
+    bool ok = auth == r.auth_total && reauth == r.reauth_total && offline == r.offline_total;
+    for (const authmng_range_t &h : r.range) {
+        ok = ok && h.count[0] + h.count[1] + h.count[2] == r.auth_result[0];
+    }
+    return ok;
+}
+
+bool webauth_consistent(const authmng_webauth_stat_t &r) {
+    uint64_t auth = 0, offline = 0;
+    for (uint64_t n : r.auth_result) auth += n;
+    for (uint64_t n : r.offline_reason) offline += n;
+    bool ok = auth == r.auth_total && offline == r.offline_total &&
+              r.move_fail_count <= r.move_count &&
+              r.range[2].count[0] + r.range[2].count[1] + r.range[2].count[2] <= r.http_req_count;
+    for (int i = 0; i < AUTHMNG_WBA_RANGE_NUM; ++i) {
+        const uint64_t *c = r.range[i].count;
+        ok = ok && (i == 2 || c[0] + c[1] + c[2] == r.auth_result[0]);
+    }
+    return ok;
+}
+
+// Records, baselines and the list, under the library lock.
+bool consistent(int32_t client) {
+    authmng::LibraryLock lock;
+    uint32_t length = 0;
+    authmng::abnormal_list_for_each([&](const authmng_abnormal_node_t &) { ++length; });
+    bool ok = length == g_authmng_abnormal_record_num;
+    if (client == AUTHMNG_CLIENT_DOT1X) {
+        for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
+            ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
+        }
+        return ok;
+    }
+    return ok && webauth_consistent(g_authmng_webauth) && webauth_consistent(g_authmng_webauth_tmp);
+}
+
+// One daemon thread: events of its client, the abnormal ones each under a
+// name of their own, kept in sent order as they appear in a row (",t-i,").
+void report(int32_t client, int thread, std::vector<std::string> *abnormal) {
+    unsigned seed = 77u + thread;
+    for (int i = 0; i < kEvents; ++i) {
+        uint32_t pick = rand_r(&seed) % 10, kind = rand_r(&seed) % 5;
+        bool bad = pick >= 6, slow = pick == 9;
+        authmng_auth_info_t info = event_record(client, 0, bad && !slow ? 1 + pick : 0);
+        info.online_num = rand_r(&seed) % 500;
+        uint32_t time = rand_r(&seed) % (kThresholdLow + 1);  // never above the threshold
+        uint32_t slow_time = kThresholdHigh + 1 + time;       // always above it
+        if (client == AUTHMNG_CLIENT_DOT1X) {
+            info.client_type = AUTHMNG_CLIENT_DOT1X + rand_r(&seed) % 2;  // 802.1X or MAB
+            info.event = kind;  // auth, reauth, offline, and the two starts
+            if (kind == D1X_OFFLINE) info.offline_reason = bad ? 1 + pick : 101 * (pick % 2);
+            bad = bad && kind <= D1X_OFFLINE;
+            info.auth_time = slow ? slow_time : time;
+            info.rds_srv_time = time / 3, info.rds_time = time / 2, info.sta_time = time / 4;
+            info.aaa_timeout = pick % 2, info.request_timeout = pick % 3 == 0;
+        } else {
+            info.event = kind == 4 ? WBA_EVENT_OFFLINE : WBA_EVENT_AUTH;
+            if (kind == 4) info.offline_reason = pick * 2, bad = false;
+            info.ack_time = time, info.auth_time = time / 2, info.aaa_time = time / 3;
+            info.rds_time = time / 4, info.portal_time = time, info.online_time = time;
+            info.acct_rds_time = slow ? slow_time : 0;
+            authmng_rd_info_t rd = {info.online_num, 0, time, pick % 3};
+            authmng_notify_rd_info(&rd);
+            authmng_stamove_info_t move = {kind % 2, static_cast<uint8_t>(pick == 4)};
+            authmng_notify_stamove_info(&move);
+        }
+        snprintf(info.username, sizeof info.username, "%d-%d", thread, i);
+        authmng_notify_auth_info(&info);
+        if (bad) abnormal->push_back(std::string(",") + info.username + ",");
+    }
+}
+
+class StressTest : public AuthmngTest {
+protected:
+    void run(int32_t client, const std::vector<const char *> &commands) {
+        ASSERT_EQ(authmng_host_cli_bind(200, "show authmng"), 0);
+        ASSERT_EQ(authmng_host_cli_bind(100, "debug authmng"), 0);
+        ASSERT_EQ(start(client, 100, 200), 0);
+        FILE *discard = fopen("/dev/null", "w");
+        ASSERT_NE(discard, nullptr);
+        authmng_host_cli_output(discard);
+        // Tuned first: the intakes queue far faster than a drain writes, and
+        // would reach the default cap of 1000 before the first command ran.
+        char line[96];
+        snprintf(line, sizeof line, "debug authmng record-num %u", kCapLow);
+        ASSERT_EQ(authmng_host_cli_exec(line), 0);
+        snprintf(line, sizeof line, "debug authmng abnormal-value %u", kThresholdLow);
+        ASSERT_EQ(authmng_host_cli_exec(line), 0);
+        const bool web = client == AUTHMNG_CLIENT_WBA;
+        std::atomic<bool> done{false};
+        std::atomic<int> inconsistent{0};
+
+        std::thread timer([&] {  // the timer's writers, as often as they can
+            while (!done.load()) {
+                if (web) {
+                    authmng_write_webauth_statistic_to_tmp();
+                    authmng_write_webauth_abnormal_record_to_file();
+                } else {
+                    authmng_write_dot1x_statistic_to_tmpfile();
+                    authmng_write_dot1x_statistic_to_flashfile();
+                    authmng_write_dot1x_abnormal_record_to_file();
+                }
+            }
+        });
+        std::thread command_line([&] {  // displays, clears and tuning
+            unsigned seed = 5;
+            for (int round = 0; !done.load(); ++round) {
+                inconsistent += consistent(client) ? 0 : 1;
+                for (const char *command : commands) authmng_host_cli_exec(command);
+                snprintf(line, sizeof line, "debug authmng abnormal-value %u",
+                         kThresholdLow + rand_r(&seed) % (kThresholdHigh - kThresholdLow + 1));
+                authmng_host_cli_exec(line);
+                snprintf(line, sizeof line, "debug authmng record-num %u",
+                         kCapLow + rand_r(&seed) % 5001);
+                authmng_host_cli_exec(line);
+                if (round % 4 == 0) authmng_host_cli_exec("debug authmng clear-statistic");
+            }
+        });
+        std::thread escape([&] {  // the web-auth daemon's reports
+            authmng_check_input_t totals = {0, 0, 0, 0, 0, 0};
+            for (uint32_t i = 1; web && !done.load(); ++i) {
+                totals.total_redirect_count += 10, totals.total_redirect_time += 100 * i;
+                totals.total_auth_count += 4, totals.total_auth_time += 6001 * (i % 7);
+                authmng_check_result_t verdict;
+                authmng_get_check_result(&totals, &verdict);
+            }
+        });
+        std::vector<std::vector<std::string>> abnormal(kIntakes);
+        std::vector<std::thread> intakes;
+        for (int t = 0; t < kIntakes; ++t) intakes.emplace_back(report, client, t, &abnormal[t]);
+        for (std::thread &t : intakes) t.join();
+        done.store(true);
+        timer.join(), command_line.join(), escape.join();
+        authmng_host_cli_output(nullptr);
+        fclose(discard);
+
+        EXPECT_EQ(inconsistent.load(), 0);
+        EXPECT_TRUE(consistent(client));
+        if (web) {
+            authmng_write_webauth_abnormal_record_to_file();
+        } else {
+            authmng_write_dot1x_abnormal_record_to_file();
+        }
+        EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
+        std::string rows =
+            read_file(flash_path(web ? "/security/authmanage/webauth/wba_abnormal.csv"
+                                     : "/security/authmanage/dot1x/dot1x_abnormal.csv"));
+        size_t queued = 0;
+        for (const std::vector<std::string> &names : abnormal) {
+            size_t last = 0;
+            for (const std::string &name : names) {  // once, and after the earlier ones
+                size_t at = rows.find(name);
+                ASSERT_NE(at, std::string::npos) << name;
+                EXPECT_EQ(rows.find(name, at + 1), std::string::npos) << name;
+                EXPECT_GT(at, last) << name;
+                last = at;
+            }
+            queued += names.size();
+        }
+        EXPECT_GT(queued, size_t{kIntakes * kEvents / 5});
+        EXPECT_EQ(count_lines(rows), queued + 1);  // and nothing else: the header only
+    }
+};
+
+TEST_F(StressTest, Dot1xDaemon) {
+    run(AUTHMNG_CLIENT_DOT1X,
+        {"show authmng statistic", "show authmng mab statistic fail",
+         "show authmng statistic telnet", "show authmng mab statistic auth-detail",
+         "show authmng abnormal", "show authmng abnormal offline", "debug authmng summary"});
+}
+
+TEST_F(StressTest, WebauthDaemon) {
+    run(AUTHMNG_CLIENT_WBA,
+        {"show authmng statistic", "show authmng statistic telnet", "show authmng abnormal",
+         "show authmng statistic tmp", "show authmanage user-escape", "debug authmanage show",
+         "authmanage user-escape enable", "no authmanage user-escape enable",
+         "authmanage user-escape enable", "authmanage user-escape when authentication-time 3000",
+         "debug authmng summary"});
+}
+
+}  // namespace
