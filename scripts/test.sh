@@ -12,10 +12,12 @@
 #   clang  clang build with -Werror, all tests
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
 #   format every C and C++ source formatted as .clang-format says
+#   fuzz   libFuzzer targets (clang, ASan+UBSan), each run briefly over its
+#          seed corpus: AUTHMNG_FUZZ_SECONDS per target (default 20)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-format main asan tsan clang mips}
+stages=${AUTHMNG_STAGES:-format main asan tsan clang mips fuzz}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -26,6 +28,7 @@ for p in cmake ninja-build g++ gcc pkg-config binutils libgtest-dev libgmock-dev
     need "$p"
 done
 case " $stages " in *" clang "*) need clang ;; esac
+case " $stages " in *" fuzz "*) need clang; need libclang-rt-14-dev ;; esac
 case " $stages " in *" format "*) need clang-format ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
 if ((${#packages[@]})); then
@@ -95,6 +98,36 @@ stage_format() {
 stage_mips() {
     configure_build_test "$out-mips" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mips-linux-gnu.cmake" \
         -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
+# Every fuzz target over its seed corpus and what it finds on the way. New
+# inputs go to a scratch directory, never into the checked-in corpus; a
+# failing input is kept as $out-fuzz/artifacts/<target>-crash-*.
+stage_fuzz() {
+    local dir=$out-fuzz seconds=${AUTHMNG_FUZZ_SECONDS:-20} failed=0
+    CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DAUTHMNG_BUILD_FUZZ=ON -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TESTS=OFF \
+        -DAUTHMNG_BUILD_TOOLS=OFF >/dev/null
+    cmake --build "$dir" -j"$jobs"
+    mkdir -p "$dir/artifacts"
+    local target scratch options runs
+    for target in fuzz_dot1x_intake fuzz_webauth_intake fuzz_cli fuzz_tlv fuzz_paths fuzz_escape; do
+        scratch=$(mktemp -d)
+        options=(-max_total_time="$seconds" -print_final_stats=1
+            -artifact_prefix="$dir/artifacts/$target-")
+        [[ -f $root/fuzz/$target.dict ]] && options+=(-dict="$root/fuzz/$target.dict")
+        if "$dir/fuzz/$target" "${options[@]}" "$scratch" "$root/fuzz/corpus/$target" \
+            >"$scratch/log" 2>&1; then
+            runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$scratch/log")
+            echo "$target: $runs runs in $seconds s, passed"
+        else
+            tail -n 40 "$scratch/log"
+            echo "$target: FAILED"
+            failed=1
+        fi
+        rm -rf "$scratch"
+    done
+    ((failed == 0))
 }
 
 for s in $stages; do

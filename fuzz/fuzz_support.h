@@ -1,0 +1,121 @@
+// Shared by the fuzz targets: a sandbox for the library's two storage
+// areas, a started client whose timer never writes on its own, a reader of
+// the fuzzer's bytes, and the checks that turn a broken invariant into a
+// reported crash.
+#ifndef AUTHMNG_FUZZ_FUZZ_SUPPORT_H
+#define AUTHMNG_FUZZ_FUZZ_SUPPORT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "authmng.h"
+#include "authmng_host.h"
+
+// A broken invariant: print it and abort, so libFuzzer keeps the input.
+#define FUZZ_CHECK(cond)                                                                 \
+    do {                                                                                 \
+        if (!(cond)) {                                                                   \
+            fprintf(stderr, "%s:%d: invariant broken: %s\n", __FILE__, __LINE__, #cond); \
+            abort();                                                                     \
+        }                                                                                \
+    } while (0)
+
+namespace authmng_fuzz {
+
+// The clock every input starts from: 2026-03-09 14:05:07 UTC.
+constexpr int64_t kFuzzClock = 1773065107;
+
+// The fuzzer's bytes, read from the front; an exhausted input reads zeros.
+class Input {
+public:
+    Input(const uint8_t *data, size_t size) : data_(data), left_(size) {}
+    bool empty() const { return left_ == 0; }
+
+    template <typename T>
+    T take() {
+        T value{};
+        bytes(&value, sizeof value);
+        return value;
+    }
+    // A value below n (n > 0), from as few bytes as n needs.
+    uint32_t below(uint32_t n) {
+        uint32_t raw = n <= 0x100     ? take<uint8_t>()
+                       : n <= 0x10000 ? take<uint16_t>()
+                                      : take<uint32_t>();
+        return raw % n;
+    }
+    // Fills out with up to size bytes, zeros after the input's end.
+    void bytes(void *out, size_t size) {
+        size_t n = size < left_ ? size : left_;
+        memcpy(out, data_, n);
+        memset(static_cast<uint8_t *>(out) + n, 0, size - n);
+        data_ += n, left_ -= n;
+    }
+    // Text up to a newline (not included) or max characters; never holds a
+    // zero byte.
+    std::string line(size_t max) {
+        std::string text;
+        while (left_ > 0 && text.size() < max) {
+            char c = static_cast<char>(*data_++);
+            --left_;
+            if (c == '\n') break;
+            text.push_back(c == '\0' ? ' ' : c);
+        }
+        return text;
+    }
+
+private:
+    const uint8_t *data_;
+    size_t left_;
+};
+
+// Points a fresh TMPDIR and flash home (removed at exit) at the library,
+// TZ=UTC, the clock pinned, cli and syslog output discarded; stops the
+// timer's schedule from ever coming due (the fuzzer owns every write) and
+// starts the client. Aborts when start-up fails.
+void start_client(int32_t client, int32_t debug_mode = 100, int32_t show_mode = 200);
+const std::string &sandbox();
+
+// The stream that takes the output nobody reads.
+FILE *discard();
+
+// What the calls of f printed through cli_printf.
+template <typename F>
+std::string capture_cli(F &&f) {
+    char *buf = nullptr;
+    size_t len = 0;
+    FILE *out = open_memstream(&buf, &len);
+    authmng_host_cli_output(out);
+    f();
+    fflush(out);
+    authmng_host_cli_output(discard());
+    std::string text(buf, len);
+    fclose(out);
+    free(buf);
+    return text;
+}
+// The valid codes of a daemon's event records: 0 to count - 1 each.
+struct EventCodes {
+    uint32_t events, results, offline_reasons;
+};
+
+// An event record from a few bytes of input. Most of the time small codes
+// (each one past its range now and then), a client type of 1 to 3, times up
+// to about 10 s and a short user name; the shape bits ask for any 32-bit
+// codes (0x01), any client type (0x02), any 32-bit times (0x04), and a user
+// name that fills its field without a terminator (0x40). User names never
+// hold a comma or a line end.
+authmng_auth_info_t read_event(Input &in, uint8_t shape, const EventCodes &codes);
+
+size_t count_of(const std::string &text, char c);
+// The file from byte offset on ("" when missing).
+std::string read_file(const std::string &path, long offset = 0);
+long file_size(const std::string &path);
+
+}  // namespace authmng_fuzz
+
+#endif
