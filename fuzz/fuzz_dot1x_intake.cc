@@ -4,11 +4,12 @@
 // After every step the records keep their invariants and agree with a
 // model of what the event counts and queues; the writers and displays
 // print exactly the rows the list holds.
-#include "core/abnormal_list.h"
 #include "core/lock.h"
 #include "fuzz_support.h"
+#include "support/invariants.h"
 
 using namespace authmng_fuzz;
+using namespace authmng_test;
 
 namespace {
 
@@ -16,27 +17,6 @@ const std::string kAbnormal = "/security/authmanage/dot1x/dot1x_abnormal.csv";
 const std::string kDaily = "/security/authmanage/dot1x/dot1x_statistic.csv";
 constexpr long kAbnormalLimit = 600000;
 bool g_clock_failing = false;
-
-bool consistent(const authmng_dot1x_stat_t &r) {
-    uint64_t auth = 0, reauth = 0, offline = 0;
-    for (int code = 0; code < AUTHMNG_D1X_CODE_NUM; ++code) {
-        auth += r.auth_result[code], reauth += r.reauth_result[code];
-        offline += r.offline_reason[code];
-    }
-    bool ok = auth == r.auth_total && reauth == r.reauth_total && offline == r.offline_total;
-    for (const authmng_range_t &h : r.range) {
-        ok = ok && h.num == 3 && h.count[0] + h.count[1] + h.count[2] == r.auth_result[0];
-    }
-    return ok;
-}
-
-uint32_t list_length(uint32_t filter = AUTHMNG_ABNORMAL_FILTER_ALL) {
-    uint32_t n = 0;
-    authmng::abnormal_list_for_each([&](const authmng_abnormal_node_t &node) {
-        n += filter == AUTHMNG_ABNORMAL_FILTER_ALL || node.info.event == filter;
-    });
-    return n;
-}
 
 void send_event(Input &in) {
     const uint8_t shape = in.take<uint8_t>();
@@ -94,7 +74,7 @@ void write_files() {
     const long before = file_size(abnormal);
     const uint32_t queued = g_authmng_abnormal_record_num;
     authmng_write_dot1x_abnormal_record_to_file();
-    FUZZ_CHECK(g_authmng_abnormal_record_num == 0 && list_length() == 0);
+    FUZZ_CHECK(g_authmng_abnormal_record_num == 0 && abnormal_list_length() == 0);
     // Appended to, or emptied and restarted with the header.
     const bool restarted = before > kAbnormalLimit || before == 0;
     std::string rows = read_file(abnormal, restarted ? 0 : before);
@@ -118,7 +98,7 @@ void show(Input &in) {
     });
     FUZZ_CHECK(index < 2 ? count_of(text, '\n') > 400 : text.empty());
     text = capture_cli([&] { authmng_show_dot1x_statistic_abnormal(filter); });
-    FUZZ_CHECK(count_of(text, '\n') == 2 + list_length(filter));
+    FUZZ_CHECK(count_of(text, '\n') == 2 + abnormal_list_length(filter));
 }
 
 void tune(Input &in) {
@@ -170,8 +150,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                 send_event(in);
                 break;
         }
-        FUZZ_CHECK(consistent(g_amg_d1x[0]) && consistent(g_amg_d1x[1]));
-        FUZZ_CHECK(list_length() == g_authmng_abnormal_record_num);
+        FUZZ_CHECK(dot1x_consistent(g_amg_d1x[0]) && dot1x_consistent(g_amg_d1x[1]));
+        FUZZ_CHECK(abnormal_list_length() == g_authmng_abnormal_record_num);
     }
     return 0;
 }

@@ -6,11 +6,12 @@
 // restarts and queues; the writers and displays print exactly the list.
 #include <vector>
 
-#include "core/abnormal_list.h"
 #include "core/lock.h"
 #include "fuzz_support.h"
+#include "support/invariants.h"
 
 using namespace authmng_fuzz;
+using namespace authmng_test;
 
 namespace {
 
@@ -27,27 +28,6 @@ bool near_limit(uint64_t counter) {
 size_t g_statistic_lines = 0, g_summary_lines = 0;
 
 authmng_webauth_stat_t &live = g_authmng_webauth;
-
-bool consistent(const authmng_webauth_stat_t &r) {
-    uint64_t auth = 0, offline = 0;
-    for (uint64_t n : r.auth_result) auth += n;
-    for (uint64_t n : r.offline_reason) offline += n;
-    bool ok = auth == r.auth_total && offline == r.offline_total &&
-              r.move_fail_count <= r.move_count &&
-              r.range[2].count[0] + r.range[2].count[1] + r.range[2].count[2] <= r.http_req_count;
-    for (uint32_t i = 0; i < AUTHMNG_WBA_RANGE_NUM; ++i) {
-        const uint64_t *c = r.range[i].count;
-        ok = ok && r.range[i].num == (i < 3 ? 3u : 2u) &&
-             (i == kRedirectRange || c[0] + c[1] + c[2] == r.auth_result[0]);
-    }
-    return ok;
-}
-
-uint32_t list_length() {
-    uint32_t n = 0;
-    authmng::abnormal_list_for_each([&](const authmng_abnormal_node_t &) { ++n; });
-    return n;
-}
 
 // Checks the list after a report that may have queued one record.
 void check_queue(uint32_t num, bool queued) {
@@ -173,7 +153,7 @@ void write_files() {
     const long before = file_size(abnormal);
     const uint32_t queued = g_authmng_abnormal_record_num;
     authmng_write_webauth_abnormal_record_to_file();
-    FUZZ_CHECK(g_authmng_abnormal_record_num == 0 && list_length() == 0);
+    FUZZ_CHECK(g_authmng_abnormal_record_num == 0 && abnormal_list_length() == 0);
     // Appended to, or emptied and restarted with the header.
     const bool restarted = before > kAbnormalLimit || before == 0;
     std::string rows = read_file(abnormal, restarted ? 0 : before);
@@ -241,8 +221,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                 send_event(in);
                 break;
         }
-        FUZZ_CHECK(consistent(live) && consistent(g_authmng_webauth_tmp));
-        FUZZ_CHECK(list_length() == g_authmng_abnormal_record_num);
+        FUZZ_CHECK(webauth_consistent(live) && webauth_consistent(g_authmng_webauth_tmp));
+        FUZZ_CHECK(abnormal_list_length() == g_authmng_abnormal_record_num);
     }
     return 0;
 }

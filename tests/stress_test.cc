@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "core/abnormal_list.h"
 #include "core/lock.h"
 #include "support/fixture.h"
+#include "support/invariants.h"
 
 using namespace authmng_test;
 
@@ -26,39 +26,10 @@ constexpr uint32_t kThresholdLow = 3000, kThresholdHigh = 10000;
 // the events), so nothing is evicted and every queued record is accounted.
 constexpr uint32_t kCapLow = 5000;
 
-bool dot1x_consistent(const authmng_dot1x_stat_t &r) {
-    uint64_t auth = 0, reauth = 0, offline = 0;
-    for (int code = 0; code < AUTHMNG_D1X_CODE_NUM; ++code) {
-        auth += r.auth_result[code], reauth += r.reauth_result[code];
-        offline += r.offline_reason[code];
-    }
-    bool ok = auth == r.auth_total && reauth == r.reauth_total && offline == r.offline_total;
-    for (const authmng_range_t &h : r.range) {
-        ok = ok && h.count[0] + h.count[1] + h.count[2] == r.auth_result[0];
-    }
-    return ok;
-}
-
-bool webauth_consistent(const authmng_webauth_stat_t &r) {
-    uint64_t auth = 0, offline = 0;
-    for (uint64_t n : r.auth_result) auth += n;
-    for (uint64_t n : r.offline_reason) offline += n;
-    bool ok = auth == r.auth_total && offline == r.offline_total &&
-              r.move_fail_count <= r.move_count &&
-              r.range[2].count[0] + r.range[2].count[1] + r.range[2].count[2] <= r.http_req_count;
-    for (int i = 0; i < AUTHMNG_WBA_RANGE_NUM; ++i) {
-        const uint64_t *c = r.range[i].count;
-        ok = ok && (i == 2 || c[0] + c[1] + c[2] == r.auth_result[0]);
-    }
-    return ok;
-}
-
 // Records, baselines and the list, under the library lock.
 bool consistent(int32_t client) {
     authmng::LibraryLock lock;
-    uint32_t length = 0;
-    authmng::abnormal_list_for_each([&](const authmng_abnormal_node_t &) { ++length; });
-    bool ok = length == g_authmng_abnormal_record_num;
+    bool ok = abnormal_list_length() == g_authmng_abnormal_record_num;
     if (client == AUTHMNG_CLIENT_DOT1X) {
         for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
             ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
