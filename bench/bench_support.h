@@ -19,7 +19,7 @@ struct Row {
     void (*setup)();    // before each run of iterations; must be idempotent
     void (*prepare)();  // before each operation, not measured; may be null
     void (*op)();       // the measured operation
-    int threads;        // 0: one thread; n: runs with 1 and with n threads
+    int threads;        // 0: one thread; n: aggregate throughput of 1 and of n threads
 };
 
 // Starts the library as client_type with TMPDIR and the flash home in a

@@ -578,7 +578,7 @@ void nothing() {}
 const Row kRows[] = {
     {"floor/event", nothing, nullptr, floor_event, 0},
     {"dot1x/auth_success", setup_success, nullptr, op_success, 0},
-    {"dot1x/auth_success_threads", setup_success, nullptr, op_success, 2},
+    {"dot1x/intake", setup_success, nullptr, op_success, 2},
     {"floor/alloc_copy_free", setup_alloc_floor, nullptr, op_alloc_floor, 0},
     {"dot1x/auth_fail_full_list", setup_full_list, nullptr, op_failed, 0},
     {"floor/statistic_snprintf", setup_statistic, nullptr, op_statistic_floor, 0},
