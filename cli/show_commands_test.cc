@@ -122,5 +122,21 @@ TEST_F(ShowCommandsTest, QuestionMarkListsVisibleChoicesAndRunsNothing) {
     expect_refused("show authmng statistics ?", "Unknown word \"statistics\"");
 }
 
+TEST_F(ShowCommandsTest, CompletionOffersTheVisibleKeywordsThatFit) {
+    start_client(AUTHMNG_CLIENT_DOT1X);
+    char buf[256];
+    EXPECT_EQ(authmng_host_cli_complete("show authmng", "", buf, sizeof buf), 3);
+    EXPECT_STREQ(buf, "mab\nstatistic\nabnormal\n");
+    EXPECT_EQ(authmng_host_cli_complete("show authmng statistic", "re", buf, sizeof buf), 1);
+    EXPECT_STREQ(buf, "reauth-detail\n");
+    EXPECT_EQ(authmng_host_cli_complete("show", "auth", buf, sizeof buf), 1);
+    EXPECT_STREQ(buf, "authmng\n");
+    EXPECT_EQ(authmng_host_cli_complete("debug authmng write-tmp", "", buf, sizeof buf), 0)
+        << "a number is not completed";
+    EXPECT_EQ(authmng_host_cli_complete("show authmng", "", buf, 6), 1) << "cut, terminated";
+    EXPECT_STREQ(buf, "mab\n");
+    EXPECT_EQ(take_cli(), "");
+}
+
 }  // namespace
 }  // namespace authmng_test

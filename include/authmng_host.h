@@ -45,6 +45,12 @@ AUTHMNG_HOST_API int authmng_host_cli_groups(void);
  * order of adding); 0, or -1 when there is no such group. */
 AUTHMNG_HOST_API int authmng_host_cli_group_at(int index, int *point, const char **name);
 
+/* Completion of a partly typed command line: the keywords that may follow
+ * the words of typed and begin with partial, one a line, into buf (size
+ * bytes, always terminated). Returns how many. */
+AUTHMNG_HOST_API int authmng_host_cli_complete(const char *typed, const char *partial, char *buf,
+                                               size_t size);
+
 /* Debug registrations made with sys_add_debug so far; the name of the
  * latest one in *name when name is not NULL. */
 AUTHMNG_HOST_API int authmng_host_debug_registrations(const char **name);

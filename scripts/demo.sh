@@ -1,13 +1,44 @@
 #!/usr/bin/env bash
-# Builds what is missing and runs the example 802.1X daemon against the
-# library, with its temporary and flash areas under ./authmng-out.
+# Builds what is missing, then runs a simulated day of an 802.1X daemon and of
+# a web-auth daemon with the library loaded, printing the main displays and
+# the files each produced. Output goes under ./authmng-out (AUTHMNG_OUT).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-if [ ! -x build/examples/dot1x_daemon ]; then
+sim=$root/build/tools/authmng-sim/authmng-sim
+if [ ! -x "$sim" ]; then
+    if ! dpkg -s libreadline-dev >/dev/null 2>&1 || ! command -v cmake >/dev/null; then
+        echo "demo: installing build tools" >&2
+        export DEBIAN_FRONTEND=noninteractive
+        apt-get update >/dev/null
+        apt-get install -y --no-install-recommends cmake ninja-build g++ libreadline-dev \
+            libgtest-dev >/dev/null
+    fi
     cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-    cmake --build build --target dot1x_daemon >/dev/null
+    cmake --build build --target authmng-sim >/dev/null
 fi
 out=${AUTHMNG_OUT:-$root/authmng-out}
-mkdir -p "$out/tmp" "$out/flash"
-TMPDIR=$out/tmp AUTHMNG_FLASH_HOME=$out/flash build/examples/dot1x_daemon
+rm -rf "$out"
+
+show_files() {
+    local dir=$1
+    for f in $(cd "$dir" && find . -type f | sort); do
+        echo "--- ${f#./} (first lines)"
+        head -4 "$dir/$f" | cut -c1-160
+    done
+}
+
+echo "=================== an 802.1X daemon, one day ==================="
+"$sim" --client dot1x --out "$out/dot1x" --users 300 --until 2026-03-10T01:01:00 \
+    --cmd 'show dot1x authmng statistic' \
+    --cmd 'show dot1x authmng mab statistic telnet' \
+    --cmd 'debug dot1x authmng summary'
+show_files "$out/dot1x"
+
+echo
+echo "=================== a web-auth daemon, one day ==================="
+"$sim" --client webauth --out "$out/webauth" --users 300 --until 2026-03-10T01:01:00 \
+    --cmd 'show webauth authmng statistic' \
+    --cmd 'show webauth authmng statistic telnet' \
+    --cmd 'show authmanage user-escape'
+show_files "$out/webauth"

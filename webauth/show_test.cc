@@ -9,17 +9,9 @@
 
 namespace {
 
-std::string golden(const std::string &name) {
-    return authmng_test::read_file(std::string(AUTHMNG_GOLDEN_DIR) + "/" + name);
-}
-
-bool has_line(const std::string &text, const std::string &line) {
-    return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
-}
-
-void expect_lines(const std::string &text, std::initializer_list<std::string> lines) {
-    for (const std::string &line : lines) EXPECT_TRUE(has_line(text, line)) << line << "\n" << text;
-}
+using authmng_test::expect_lines;
+using authmng_test::golden;
+using authmng_test::has_line;
 
 class WebauthShowTest : public authmng_test::AuthmngTest {
 protected:

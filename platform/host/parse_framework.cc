@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "authmng_host.h"
 #include "cli_host.h"
@@ -240,14 +241,15 @@ bool read_line(const char *line, TypedLine *out, const char **error) {
 
 // Number of words of prefix that begin the line, or -1 when it does not
 // begin with them. When the line is a leading part of the prefix and
-// next_word is given, *next_word is the prefix word that would follow.
-int match_prefix(const char *prefix, const TypedLine &line, const char **next_word) {
+// next_word is given, it receives the prefix word that would follow.
+int match_prefix(const char *prefix, const TypedLine &line, char *next_word, size_t size) {
     Words words;
     const char *error = nullptr;
     if (!split_words(prefix, &words, &error)) return -1;
     for (int i = 0; i < words.count; ++i) {
         if (i == line.count) {
-            if (next_word != nullptr) *next_word = words.word[i];
+            // Copied: the words live in this call's own buffer.
+            if (next_word != nullptr) snprintf(next_word, size, "%s", words.word[i]);
             return -1;
         }
         if (strcmp(words.word[i], line.word[i]) != 0) return -1;
@@ -298,10 +300,11 @@ Walk walk_points(const TypedLine &line, Choices *choices, Outcome *outcome) {
     for (int i = 0; i < binding_count() && candidate_count < kMaxBindings; ++i) {
         const Binding *b = binding_at(i);
         if (b == nullptr) continue;
-        const char *next_word = nullptr;
-        int n = match_prefix(b->prefix, line, choices != nullptr ? &next_word : nullptr);
+        char next_word[kChoiceSize] = "";
+        int n = match_prefix(b->prefix, line, choices != nullptr ? next_word : nullptr,
+                             sizeof next_word);
         const char *name = first_group_name(b->point);
-        if (next_word != nullptr && name != nullptr) choices->add(next_word, name);
+        if (next_word[0] != '\0' && name != nullptr) choices->add(next_word, name);
         if (n < 0) continue;
         // A prefix with nothing behind it takes the line no further than
         // its own words.
@@ -480,6 +483,35 @@ int authmng_host_cli_exec(const char *line) {
     }
     report_refusal(typed, outcome);
     return -1;
+}
+
+int authmng_host_cli_complete(const char *typed, const char *partial, char *buf, size_t size) {
+    if (buf == nullptr || size == 0) return 0;
+    buf[0] = '\0';
+    std::string line = std::string(typed == nullptr ? "" : typed) + " ?";
+    TypedLine words;
+    const char *error = nullptr;
+    if (!read_line(line.c_str(), &words, &error)) return 0;
+    Choices choices;
+    Outcome outcome;
+    walk_points(words, &choices, &outcome);
+    size_t used = 0;
+    size_t partial_len = partial == nullptr ? 0 : strlen(partial);
+    int count = 0;
+    for (int i = 0; i < choices.count; ++i) {
+        const char *word = choices.choice[i];
+        if (word[0] == '<' || strncmp(word, partial == nullptr ? "" : partial, partial_len) != 0) {
+            continue;
+        }
+        int n = snprintf(buf + used, size - used, "%s\n", word);
+        if (n < 0 || static_cast<size_t>(n) >= size - used) {
+            buf[used] = '\0';  // whole words only
+            break;
+        }
+        used += static_cast<size_t>(n);
+        ++count;
+    }
+    return count;
 }
 
 void authmng_host_cli_saved_config(FILE *out) {

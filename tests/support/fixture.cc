@@ -110,6 +110,18 @@ size_t count_lines(const std::string &text) {
     return n;
 }
 
+bool has_line(const std::string &text, const std::string &line) {
+    return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
+}
+
+void expect_lines(const std::string &text, std::initializer_list<std::string> lines) {
+    for (const std::string &line : lines) EXPECT_TRUE(has_line(text, line)) << line << "\n" << text;
+}
+
+std::string golden(const std::string &name) {
+    return read_file(std::string(AUTHMNG_GOLDEN_DIR) + "/" + name);
+}
+
 authmng_auth_info_t event_record(int32_t client_type, uint32_t event, uint32_t result) {
     authmng_auth_info_t info;
     memset(&info, 0, sizeof info);

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 
 #include "authmng.h"
@@ -59,6 +60,11 @@ void write_file(const std::string &path, const std::string &text);
 void write_file_of_size(const std::string &path, size_t size);
 // Number of lines of a text.
 size_t count_lines(const std::string &text);
+// Whether text holds line as one whole line; expect_lines checks several.
+bool has_line(const std::string &text, const std::string &line);
+void expect_lines(const std::string &text, std::initializer_list<std::string> lines);
+// A golden text of tests/golden.
+std::string golden(const std::string &name);
 
 // A zeroed event record of a client type and kind.
 authmng_auth_info_t event_record(int32_t client_type, uint32_t event, uint32_t result = 0);

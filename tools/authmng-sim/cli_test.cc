@@ -1,0 +1,114 @@
+// The simulator as a user runs it: options, exit statuses, error messages,
+// and a built-in day written out as a trace and replayed to the same files.
+#include <ftw.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <string>
+
+#include "support/fixture.h"
+
+namespace {
+
+using authmng_test::read_file;
+
+std::map<std::string, std::string> *g_files = nullptr;
+size_t g_prefix = 0;
+int collect(const char *path, const struct stat *, int type, struct FTW *) {
+    if (type == FTW_F) (*g_files)[path + g_prefix] = read_file(path);
+    return 0;
+}
+
+class SimCliTest : public authmng_test::AuthmngTest {
+protected:
+    void SetUp() override {
+        AuthmngTest::SetUp();
+        root_ = root_dir();
+    }
+
+    // Runs the simulator with arguments; its exit status, output and errors.
+    int run(const std::string &args) {
+        std::string command = std::string("TZ=UTC ") + AUTHMNG_SIM_PATH + " " + args + " >" +
+                              root_ + "/stdout 2>" + root_ + "/stderr </dev/null";
+        int status = system(command.c_str());
+        out_ = read_file(root_ + "/stdout");
+        err_ = read_file(root_ + "/stderr");
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    std::map<std::string, std::string> files(const std::string &dir) {
+        std::map<std::string, std::string> all;
+        g_files = &all;
+        g_prefix = dir.size();
+        nftw(dir.c_str(), collect, 16, FTW_PHYS);
+        return all;
+    }
+
+    std::string root_;
+    std::string out_;
+    std::string err_;
+};
+
+TEST_F(SimCliTest, OptionsAndTheirErrors) {
+    EXPECT_EQ(run("--help"), 0);
+    EXPECT_NE(out_.find("usage: authmng-sim"), std::string::npos);
+    EXPECT_EQ(run("--client radius"), 2);
+    EXPECT_NE(err_.find("--client: 'radius' is not dot1x, webauth or cpp"), std::string::npos);
+    EXPECT_EQ(run("--users 0"), 2);
+    EXPECT_EQ(run("--start yesterday"), 2);
+    EXPECT_EQ(run("extra"), 2);
+}
+
+TEST_F(SimCliTest, BadTraceLinesAreSkippedWithTheirLineAndField) {
+    std::string trace = root_ + "/trace.txt";
+    FILE *f = fopen(trace.c_str(), "w");
+    fputs(
+        "# two good lines and two bad ones\n"
+        "2026-03-09T08:00:00 dot1x-auth auth_time=300\n"
+        "+1 dot1x-auth auth_time=fast\n"
+        "+1 dot1x-offline offline_reason=0\n"
+        "+1 dot1x-teleport\n",
+        f);
+    fclose(f);
+    EXPECT_EQ(run("--out " + root_ + "/out --trace " + trace), 1);
+    EXPECT_NE(err_.find("trace.txt:3: field 'auth_time': not an unsigned 32-bit number: 'fast'"),
+              std::string::npos)
+        << err_;
+    EXPECT_NE(err_.find("trace.txt:5: unknown kind 'dot1x-teleport'"), std::string::npos);
+    EXPECT_NE(out_.find("events: dot1x-auth 1, dot1x-offline 1, total 2"), std::string::npos)
+        << out_;
+
+    EXPECT_EQ(run("--strict --out " + root_ + "/out2 --trace " + trace), 1);
+    EXPECT_NE(err_.find("trace.txt:3:"), std::string::npos);
+    EXPECT_EQ(err_.find("trace.txt:5:"), std::string::npos) << "stops at the first bad line";
+}
+
+TEST_F(SimCliTest, RefusedCommandLinesMakeTheStatusNonZero) {
+    EXPECT_EQ(run("--hours 0.1 --out " + root_ +
+                  "/out --cmd 'show dot1x authmng statistic' "
+                  "--cmd 'show dot1x authmng nonsense'"),
+              1);
+    EXPECT_NE(out_.find("commands: 1 run, 1 refused"), std::string::npos) << out_;
+}
+
+TEST_F(SimCliTest, AWrittenDayReplaysToTheSameFiles) {
+    for (const char *client : {"dot1x", "webauth"}) {
+        std::string day = root_ + "/" + client;
+        std::string common = std::string(" --client ") + client + " --hours 2 --start " +
+                             "2026-03-09T00:30:00 --seed 7 --users 50 --quiet";
+        ASSERT_EQ(run(common + " --write-trace " + day + ".trace"), 0) << err_;
+        ASSERT_EQ(run(common + " --out " + day + "-direct"), 0) << err_;
+        ASSERT_EQ(
+            run(std::string("--client ") + client + " --quiet --start 2026-03-09T00:30:00 " +
+                "--until 2026-03-09T02:30:00 --out " + day + "-replay --trace " + day + ".trace"),
+            0)
+            << err_;
+        auto direct = files(day + "-direct");
+        auto replay = files(day + "-replay");
+        EXPECT_GE(direct.size(), 2u) << client;
+        EXPECT_EQ(direct, replay) << client;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,15 @@
+// The interactive prompt: every show, debug and configuration command of
+// the client, with history, line editing, "?" help and tab completion.
+#ifndef AUTHMNG_SIM_PROMPT_H
+#define AUTHMNG_SIM_PROMPT_H
+
+#include "simulator.h"
+
+namespace authmng_sim {
+
+// Reads command lines until end of input or "exit"/"quit".
+void run_prompt(Simulator *simulator);
+
+}  // namespace authmng_sim
+
+#endif

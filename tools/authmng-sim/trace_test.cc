@@ -1,0 +1,160 @@
+// The trace format: every kind, every field type, every error, and the
+// written form read back.
+#include "trace.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+namespace authmng_sim {
+namespace {
+
+class TraceTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        setenv("TZ", "UTC", 1);
+        tzset();
+    }
+    ParseResult parse(const std::string &line) {
+        return parser_.parse(line.c_str(), &event_, &error_);
+    }
+    std::string error_message(const std::string &line) {
+        EXPECT_EQ(parse(line), ParseResult::Error) << line;
+        return error_;
+    }
+
+    TraceParser parser_{1773014400};  // 2026-03-09T00:00:00 UTC
+    TraceEvent event_;
+    std::string error_;
+};
+
+TEST_F(TraceTest, EveryKindSetsItsRecordKind) {
+    struct Expect {
+        const char *kind;
+        int32_t client_type;
+        uint32_t event;
+    } expected[] = {
+        {"dot1x-auth", 2, 0},       {"dot1x-reauth", 2, 1},       {"dot1x-offline", 2, 2},
+        {"dot1x-start", 2, 3},      {"dot1x-reauth-start", 2, 4}, {"mab-auth", 3, 0},
+        {"mab-reauth", 3, 1},       {"mab-offline", 3, 2},        {"mab-start", 3, 3},
+        {"mab-reauth-start", 3, 4}, {"wba-auth", 1, 0},           {"wba-offline", 1, 1},
+    };
+    for (const Expect &e : expected) {
+        ASSERT_EQ(parse(std::string("+1 ") + e.kind), ParseResult::Event) << e.kind << error_;
+        EXPECT_STREQ(kind_info(event_.kind).name, e.kind);
+        EXPECT_EQ(event_.info.client_type, e.client_type) << e.kind;
+        EXPECT_EQ(event_.info.event, e.event) << e.kind;
+    }
+    ASSERT_EQ(parse("+1 redirect rd_user=7 rd_time=499 rd_result=2"), ParseResult::Event);
+    EXPECT_EQ(event_.redirect.rd_user, 7u);
+    EXPECT_EQ(event_.redirect.rd_time, 499u);
+    EXPECT_EQ(event_.redirect.rd_result, 2u);
+    ASSERT_EQ(parse("+1 stamove move_type=1 move_fail=1"), ParseResult::Event);
+    EXPECT_EQ(event_.move.move_type, 1u);
+    EXPECT_EQ(event_.move.move_fail, 1u);
+    ASSERT_EQ(parse("+1 escape-check total_redirect_count=10 total_redirect_time=35000 "
+                    "total_auth_count=4 total_auth_time=24000 total_auth_timeout_count=2 "
+                    "max_online_user=9"),
+              ParseResult::Event);
+    EXPECT_EQ(event_.totals.total_redirect_time, 35000u);
+    EXPECT_EQ(event_.totals.total_auth_timeout_count, 2u);
+    EXPECT_EQ(event_.totals.max_online_user, 9u);
+    ASSERT_EQ(parse("+1 cmd  show dot1x authmng statistic "), ParseResult::Event);
+    EXPECT_EQ(event_.command, "show dot1x authmng statistic ");
+    ASSERT_EQ(parse("+1 cpp value=42"), ParseResult::Event);
+    EXPECT_EQ(event_.cpp.value, 42u);
+}
+
+TEST_F(TraceTest, TimesAbsoluteEpochAndRelative) {
+    ASSERT_EQ(parse("2026-03-09T14:05:07 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(event_.time, 1773065107);
+    ASSERT_EQ(parse("+60 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(event_.time, 1773065167);
+    ASSERT_EQ(parse("@1773065200 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(event_.time, 1773065200);
+    EXPECT_EQ(format_time(1773065107), "2026-03-09T14:05:07");
+    EXPECT_EQ(parse("   # a comment"), ParseResult::Skipped);
+    EXPECT_EQ(parse("\n"), ParseResult::Skipped);
+}
+
+TEST_F(TraceTest, FieldValuesOfEveryType) {
+    std::string name(256, 'n');
+    ASSERT_EQ(parse("+0 dot1x-auth online_num=18446744073709551615 ip=192.0.2.10 rssi=-70 "
+                    "aaa_timeout=255 mac=00:1a:2b:3c:4d:5e aaa_code=-3 auth_time=0x10 username=" +
+                    name),
+              ParseResult::Event)
+        << error_;
+    const authmng_auth_info_t &info = event_.info;
+    EXPECT_EQ(info.online_num, UINT64_MAX);
+    const uint8_t ip[4] = {192, 0, 2, 10};
+    EXPECT_EQ(memcmp(&info.ip, ip, 4), 0) << "network byte order";
+    EXPECT_EQ(info.rssi, -70);
+    EXPECT_EQ(info.aaa_timeout, 255);
+    const uint8_t mac[6] = {0x00, 0x1a, 0x2b, 0x3c, 0x4d, 0x5e};
+    EXPECT_EQ(memcmp(info.mac, mac, 6), 0);
+    EXPECT_EQ(info.aaa_code, -3);
+    EXPECT_EQ(info.auth_time, 16u);
+    EXPECT_EQ(memcmp(info.username, name.data(), 256), 0) << "filled, no terminator";
+
+    ASSERT_EQ(parse("+0 mab-auth mac=001a.2b3c.4d5e"), ParseResult::Event);
+    EXPECT_EQ(memcmp(event_.info.mac, mac, 6), 0);
+    ASSERT_EQ(parse("+0 mab-auth mac=00-1A-2B-3C-4D-5E"), ParseResult::Event);
+    EXPECT_EQ(memcmp(event_.info.mac, mac, 6), 0);
+}
+
+TEST_F(TraceTest, ErrorsNameTheFieldAndWhatIsWrong) {
+    EXPECT_EQ(error_message("yesterday dot1x-auth"),
+              "bad time 'yesterday' (YYYY-MM-DDTHH:MM:SS, @epoch or +seconds)");
+    EXPECT_EQ(error_message("+1 dot1x-login"), "unknown kind 'dot1x-login'");
+    EXPECT_EQ(error_message("+1"), "missing kind");
+    EXPECT_EQ(error_message("+1 dot1x-auth auth_time"), "'auth_time' is not field=value");
+    EXPECT_EQ(error_message("+1 dot1x-auth speed=3"),
+              "field 'speed': no such field for dot1x-auth");
+    EXPECT_EQ(error_message("+1 redirect auth_time=3"),
+              "field 'auth_time': no such field for redirect");
+    EXPECT_EQ(error_message("+1 dot1x-auth auth_time=12x"),
+              "field 'auth_time': not an unsigned 32-bit number: '12x'");
+    EXPECT_EQ(error_message("+1 dot1x-auth auth_time=4294967296"),
+              "field 'auth_time': not an unsigned 32-bit number: '4294967296'");
+    EXPECT_EQ(error_message("+1 dot1x-auth auth_time=-1"),
+              "field 'auth_time': not an unsigned 32-bit number: '-1'");
+    EXPECT_EQ(error_message("+1 dot1x-auth logoff=256"),
+              "field 'logoff': not a number from 0 to 255: '256'");
+    EXPECT_EQ(error_message("+1 dot1x-auth rssi=-2147483649"),
+              "field 'rssi': not a signed 32-bit number: '-2147483649'");
+    EXPECT_EQ(error_message("+1 dot1x-auth ip=192.0.2"),
+              "field 'ip': not an IPv4 address (a.b.c.d): '192.0.2'");
+    EXPECT_EQ(error_message("+1 dot1x-auth mac=00:1a:2b:3c:4d"),
+              "field 'mac': not a MAC address (aa:bb:cc:dd:ee:ff or aabb.ccdd.eeff): "
+              "'00:1a:2b:3c:4d'");
+    EXPECT_EQ(error_message("+1 dot1x-auth username=" + std::string(257, 'u')),
+              "field 'username': longer than 256 characters: '" + std::string(257, 'u') + "'");
+    EXPECT_EQ(error_message("+1 cmd"), "cmd without a command line");
+    ASSERT_EQ(parse("2026-03-09T10:00:00 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(error_message("2026-03-09T09:59:59 dot1x-auth"),
+              "time '2026-03-09T09:59:59' goes back before the previous line");
+}
+
+TEST_F(TraceTest, WrittenEventsReadBackUnchanged) {
+    const char *lines[] = {
+        ("2026-03-09T00:00:01 dot1x-auth online_num=3 ip=198.18.0.7 auth_time=1500 "
+         "rds_srv_time=200 rssi=-61 aaa_timeout=1 result=5 username=alice mac=00:1a:2b:3c:4d:5e"),
+        "2026-03-09T00:00:02 wba-offline offline_reason=11 online_time=600 username=bob",
+        "2026-03-09T00:00:03 redirect rd_user=4 rd_time=700",
+        "2026-03-09T00:00:04 stamove move_type=1 move_fail=1",
+        "2026-03-09T00:00:05 escape-check total_redirect_count=10 max_online_user=2",
+        "2026-03-09T00:00:06 cmd authmanage user-escape time 31",
+        "2026-03-09T00:00:07 cpp value=9",
+    };
+    for (const char *line : lines) {
+        ASSERT_EQ(parse(line), ParseResult::Event) << line << ": " << error_;
+        EXPECT_EQ(format_event(event_), line);
+    }
+}
+
+}  // namespace
+}  // namespace authmng_sim
