@@ -55,15 +55,47 @@ private:
 
 }  // namespace
 
+namespace {
+
+// Writes "," and the decimal digits of value so that they end just before
+// end; returns where the text starts. Values that fit in 32 bits (nearly
+// every counter) are converted in 32-bit arithmetic, which a 32-bit CPU
+// does without a library call per digit.
+char *comma_and_decimal(uint64_t value, char *end) {
+    char *p = end;
+    if (value <= UINT32_MAX) {
+        uint32_t v = static_cast<uint32_t>(value);
+        do {
+            *--p = static_cast<char>('0' + v % 10);
+            v /= 10;
+        } while (v != 0);
+    } else {
+        do {
+            *--p = static_cast<char>('0' + value % 10);
+            value /= 10;
+        } while (value != 0);
+    }
+    *--p = ',';
+    return p;
+}
+
+}  // namespace
+
+// The daily row appends 52 values one by one: the value is converted in a
+// small buffer of the stack, with no allocation and no formatting call, and
+// copied once. Same text as ",%" PRIu64, cut at size - 1 characters.
 extern "C" void authmng_compose_inter_str(char *dst, int32_t size, uint64_t value) {
     if (dst == nullptr || size <= 0) return;
     size_t limit = static_cast<size_t>(size) - 1;
     size_t used = strnlen(dst, limit);
     if (used >= limit) return;
-    Owned<char> scratch = alloc_text(kRowBufferSize);
-    if (!scratch) return;
-    snprintf(scratch.get(), kRowBufferSize, ",%" PRIu64, value);
-    strncat(dst, scratch.get(), limit - used);
+    char text[24];  // "," and at most 20 digits
+    char *end = text + sizeof text;
+    char *start = comma_and_decimal(value, end);
+    size_t length = static_cast<size_t>(end - start);
+    if (length > limit - used) length = limit - used;
+    memcpy(dst + used, start, length);
+    dst[used + length] = '\0';
 }
 
 void authmng_dot1x_flash_row(uint32_t method, char *buf) {

@@ -92,10 +92,24 @@ int username_length(const authmng_auth_info_t &info) {
     return static_cast<int>(strnlen(info.username, sizeof info.username));
 }
 
-// Counters carry no overflow guard: a total that passed 2^64 - 1 reads 0,
-// and its rate is then 0 rather than a division by zero.
+// part * 100 / whole, truncated. When both fit in 32 bits the quotient is
+// taken in 32 bits: the same value, and much cheaper than a 64-bit
+// division (a library call on a 32-bit CPU). Counters carry no overflow
+// guard: a total that passed 2^64 - 1 reads 0, and its rate is then 0
+// rather than a division by zero.
 uint32_t percent(uint64_t part, uint64_t whole) {
-    return whole == 0 ? 0 : static_cast<uint32_t>(part * 100 / whole);
+    if (whole == 0) return 0;
+    uint64_t scaled = part * 100;
+    if ((scaled | whole) <= UINT32_MAX) {
+        return static_cast<uint32_t>(scaled) / static_cast<uint32_t>(whole);
+    }
+    return static_cast<uint32_t>(scaled / whole);
+}
+
+// A 32-bit sum over a 64-bit count of at least 1: a count beyond 32 bits
+// exceeds any such sum, so the quotient is then 0.
+uint32_t average(uint32_t sum, uint64_t count) {
+    return count > UINT32_MAX ? 0 : sum / static_cast<uint32_t>(count);
 }
 
 void authmng_notify_dot1x_get_online_num(authmng_dot1x_stat_t &record, uint64_t online_num) {
@@ -112,11 +126,15 @@ void authmng_notify_dot1x_get_online_num(authmng_dot1x_stat_t &record, uint64_t 
 void analyse_success_time(uint32_t method, authmng_dot1x_stat_t &record,
                           const authmng_auth_info_t &info, uint32_t threshold) {
     MeasuredTimes times(info);
+    // Unrolled: each histogram's address becomes a constant offset.
+#pragma GCC unroll 7
     for (uint32_t i = 0; i < AUTHMNG_D1X_RANGE_NUM; ++i) {
         authmng_dot1x_statistic_range(method, i, times.value[i]);
     }
     uint32_t t = info.auth_time;
-    authmng_dot1x_statistic_loogtime_reason(method, AUTHMNG_RANGE_AUTH, t, &info.rssi);
+    // The classification of authmng_dot1x_statistic_loogtime_reason, on the
+    // record at hand.
+    dot1x_count_long_time(record.range[AUTHMNG_RANGE_AUTH], t, info);
 
     if (t > kOverThreeSecondsMs) {
         Block{record.over3s_total, record.over3s_sta, record.over3s_self,
@@ -158,7 +176,7 @@ void authmng_notify_dot1x_info_auth(uint32_t method, authmng_dot1x_stat_t &recor
         uint64_t n = record.auth_result[kResultSuccess];
         uint32_t t = info->auth_time;
         uint32_t sum = record.auth_avg_time * static_cast<uint32_t>(n - 1) + t;
-        if (n != 0) record.auth_avg_time = static_cast<uint32_t>(sum / n);
+        if (n != 0) record.auth_avg_time = average(sum, n);
         AUTHMNG_EVENT_DBG("user(%.*s)1x auth time: %u.\n", username_length(*info), info->username,
                           t);
         AUTHMNG_EVENT_DBG("auth_time: %ums, su_total: %ums, su_result: %" PRIu64 "\n", t, sum, n);

@@ -138,6 +138,29 @@ TEST_F(Dot1xIntakeTest, FailuresMethodsReauthAndOffline) {
     EXPECT_EQ(d1x().current_online_number, 0u);  // held at zero
 }
 
+TEST_F(Dot1xIntakeTest, RatesAndAverageOfALongRunningDaemon) {
+    // Counts whose percentages need more than 32 bits: 5e9 / 6e7 is 83.
+    g_amg_d1x[0].auth_result[0] = 49999999, g_amg_d1x[0].auth_total = 59999999;
+    g_amg_d1x[0].reauth_result[0] = 99999999, g_amg_d1x[0].reauth_total = 99999999;
+    g_amg_d1x[0].auth_avg_time = 700;
+    send(auth(400));
+    EXPECT_EQ(d1x().auth_success_rate, 83u);
+    // (700 * 49999999 + 400) modulo 2^32 is 640261332, over 50000000 successes.
+    EXPECT_EQ(d1x().auth_avg_time, 12u);
+    authmng_auth_info_t reauth = event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH, 0);
+    send(reauth);
+    EXPECT_EQ(d1x().reauth_success_rate, 100u);
+
+    // Past 2^32 successes the 32-bit product takes n - 1 as 0: the sum is
+    // the time itself, and any 32-bit sum over n truncates to 0.
+    g_amg_d1x[0].auth_result[0] = uint64_t{1} << 32;
+    send(auth(900));
+    EXPECT_EQ(d1x().auth_avg_time, 0u);
+    g_amg_d1x[0].auth_result[0] = 2, g_amg_d1x[0].auth_avg_time = 900;
+    send(auth(300));  // (900 * 2 + 300) / 3
+    EXPECT_EQ(d1x().auth_avg_time, 700u);
+}
+
 TEST_F(Dot1xIntakeTest, OnlineNumbersAndDroppedEvents) {
     authmng_dot1x_stat_t expected = d1x();
     authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH_START);

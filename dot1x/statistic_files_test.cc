@@ -148,9 +148,14 @@ TEST_F(StatisticFilesTest, ComposeNeverPassesItsBuffer) {
     EXPECT_STREQ(buf, "abc,123");
     authmng_compose_inter_str(buf, sizeof buf, 9);
     EXPECT_STREQ(buf, "abc,123");
-    char wide[32] = "";
+    char wide[64] = "";
     authmng_compose_inter_str(wide, sizeof wide, UINT64_MAX);
     EXPECT_STREQ(wide, ",18446744073709551615");
+    wide[0] = '\0';
+    for (uint64_t v : {uint64_t{0}, uint64_t{4294967295u}, uint64_t{4294967296u}}) {
+        authmng_compose_inter_str(wide, sizeof wide, v);
+    }
+    EXPECT_STREQ(wide, ",0,4294967295,4294967296");
 }
 
 }  // namespace

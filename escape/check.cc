@@ -160,3 +160,35 @@ void authmng_add_check_abnormal_record(authmng_check_t *check, uint32_t avg, uin
     ring_append(check->abnormal_value, check->abnormal_pos, sample);
     check->abnormal_count += 1;
 }
+
+namespace authmng {
+namespace {
+
+// A check that did not run because an earlier one decided keeps the escape
+// it holds, unchanged; the verdict still carries it.
+void carry_held_escapes(uint32_t first_skipped, authmng_check_result_t &verdict) {
+    for (uint32_t type = first_skipped; type < kCheckTypes; ++type) {
+        uint32_t held = g_authmng_check[type].pre_escape_ratio;
+        if (held == 0) continue;
+        verdict.escape_time = load_relaxed(g_authmng_escape_time);
+        if (held > verdict.escape_ratio) verdict.escape_ratio = held;
+    }
+}
+
+}  // namespace
+
+// In the same unit as the checks and flattened: the three checks run
+// inline, each on its own check record at a constant address.
+__attribute__((flatten)) void escape_run_checks(const uint32_t (&values)[kCheckTypes],
+                                                const uint32_t (&counts)[kCheckTypes],
+                                                authmng_check_result_t &verdict) {
+#pragma GCC unroll 3
+    for (uint32_t type = 0; type < kCheckTypes; ++type) {
+        if (authmng_get_result_by_type(type, values[type], counts[type], &verdict) != 0) {
+            carry_held_escapes(type + 1, verdict);
+            return;
+        }
+    }
+}
+
+}  // namespace authmng

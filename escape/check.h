@@ -31,6 +31,13 @@ constexpr uint32_t kEscapeAll = 100;
 // switched off.
 void escape_clear_previous_totals();
 
+// Runs the checks of one report in order (redirect, auth, authtimeout) on
+// their values and counts, stopping after the first that decides; a check
+// that does not run because an earlier one decided keeps the escape it
+// holds, and the verdict carries it. Call with g_authmng_mtx held.
+void escape_run_checks(const uint32_t (&values)[kCheckTypes], const uint32_t (&counts)[kCheckTypes],
+                       authmng_check_result_t &verdict);
+
 }  // namespace authmng
 
 // Runs check `type` on one report: counts the evaluation, evaluates the

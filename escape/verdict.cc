@@ -54,29 +54,13 @@ bool take_increases(const authmng_check_input_t &now, Increases &inc) {
     return prev.wrapped == 0 && no_history;
 }
 
-// A check that did not run because an earlier one decided keeps the escape
-// it holds, unchanged; the verdict still carries it.
-void carry_held_escapes(uint32_t first_skipped, authmng_check_result_t &verdict) {
-    for (uint32_t type = first_skipped; type < kCheckTypes; ++type) {
-        uint32_t held = g_authmng_check[type].pre_escape_ratio;
-        if (held == 0) continue;
-        verdict.escape_time = load_relaxed(g_authmng_escape_time);
-        if (held > verdict.escape_ratio) verdict.escape_ratio = held;
-    }
-}
-
-// Redirect, auth, authtimeout, stopping after the first that decides.
+// Redirect, auth, authtimeout.
 void run_checks(const Increases &inc, authmng_check_result_t &verdict) {
     const uint32_t values[kCheckTypes] = {inc.redirect_time, inc.auth_time, inc.timeout_count};
     const uint32_t counts[kCheckTypes] = {
         inc.redirect_count, inc.auth_count,
         static_cast<uint32_t>(inc.auth_count + inc.timeout_count)};
-    for (uint32_t type = 0; type < kCheckTypes; ++type) {
-        if (authmng_get_result_by_type(type, values[type], counts[type], &verdict) != 0) {
-            carry_held_escapes(type + 1, verdict);
-            return;
-        }
-    }
+    escape_run_checks(values, counts, verdict);
 }
 
 }  // namespace

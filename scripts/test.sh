@@ -24,7 +24,7 @@ jobs=$(nproc)
 packages=()
 need() { dpkg -s "$1" >/dev/null 2>&1 || packages+=("$1"); }
 for p in cmake ninja-build g++ gcc pkg-config binutils libgtest-dev libgmock-dev googletest \
-    libreadline-dev; do
+    libreadline-dev libbenchmark-dev; do
     need "$p"
 done
 case " $stages " in *" clang "*) need clang ;; esac

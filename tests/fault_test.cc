@@ -214,7 +214,7 @@ TEST_F(FaultTest, FailingClock) {
 TEST_F(FaultTest, FailingAllocationsDot1x) {
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
     int rounds = sweep_allocations(AUTHMNG_CLIENT_DOT1X);
-    EXPECT_GT(rounds, 100);  // the daily rows allocate a scratch text per value
+    EXPECT_GE(rounds, 5);  // the node and the line buffers of the three writers, and a clean round
     expect_everything_written(AUTHMNG_CLIENT_DOT1X, rounds, 1);
     std::string daily = read_file(flash_path(kDot1xStatistic));
     std::string last = daily.substr(daily.rfind('\n', daily.size() - 2) + 1);

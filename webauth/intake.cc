@@ -19,6 +19,17 @@ constexpr uint32_t kOfflineLinkChange = 11;
 
 constexpr uint32_t kSecondsPerMinute = 60;
 
+// sum / count truncated to 32 bits, 0 for no count. In 32-bit arithmetic
+// when both fit: the same quotient, and far cheaper than a 64-bit division
+// (a library call on a 32-bit CPU).
+uint32_t average(uint64_t sum, uint64_t count) {
+    if (count == 0) return 0;
+    if ((sum | count) <= UINT32_MAX) {
+        return static_cast<uint32_t>(sum) / static_cast<uint32_t>(count);
+    }
+    return static_cast<uint32_t>(sum / count);
+}
+
 bool ended_abnormally(uint32_t reason) {
     return reason == kOfflinePortalTimeout || reason == kOfflineSetFail ||
            reason == kOfflineLinkChange;
@@ -58,11 +69,11 @@ bool slow_steps(const authmng_auth_info_t &info, uint32_t threshold) {
 
 void authmng_notify_webauth_info_auth(const authmng_auth_info_t &info) {
     authmng_webauth_stat_t &record = g_authmng_webauth;
-    bool near = near_limit(record.auth_total);
-    for (uint32_t i = 0; !near && i < AUTHMNG_WBA_RANGE_NUM; ++i) {
-        near = near_limit(record.aggregate_time[i]);
-    }
-    if (near) restart_before_counting(record, info);
+    // One restart when any of the fourteen counters is near its limit: the
+    // largest of them decides, found without a branch per counter.
+    uint64_t largest = record.auth_total;
+    for (uint64_t sum : record.aggregate_time) largest = sum > largest ? sum : largest;
+    if (near_limit(largest)) restart_before_counting(record, info);
 
     ++record.auth_total;
     ++record.auth_result[info.result];
@@ -86,10 +97,7 @@ void authmng_notify_webauth_info_auth(const authmng_auth_info_t &info) {
         count_quantity(record, 10, info.acct_rds_time - info.acct_rds_svr_time);
         count_quantity(record, 11, info.acct_rds_svr_time);
     }
-    record.auth_avg_time =
-        record.auth_result[0] == 0
-            ? 0
-            : static_cast<uint32_t>(record.aggregate_time[0] / record.auth_result[0]);
+    record.auth_avg_time = average(record.aggregate_time[0], record.auth_result[0]);
 
     if (info.result != 0 || slow_steps(info, load_relaxed(g_authmng_authtime_abnormal_value))) {
         authmng_record_abnormal_auth(&info);

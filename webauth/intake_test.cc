@@ -88,6 +88,14 @@ TEST_F(WebauthIntakeTest, SuccessFeedsSumsAndRangesInOrder) {
     EXPECT_EQ(V({live.old_online_number, live.current_online_number, live.max_online_number,
                  live.reauth_number}),
               V({1ull << 33, 0, 1ull << 33, 0}));
+
+    // A long-running daemon's sum past 32 bits: 5e9 ms over 1e6 successes.
+    live.aggregate_time[0] = 4999999000, live.auth_result[0] = 999999;
+    auth(1000);
+    EXPECT_EQ(live.auth_avg_time, 5000u);
+    live.auth_result[0] = (1ull << 32) - 1, live.aggregate_time[0] = 0;
+    auth(4000);  // a count past 32 bits
+    EXPECT_EQ(live.auth_avg_time, 0u);
 }
 
 TEST_F(WebauthIntakeTest, OnlyFiveStepTimesAndFailuresAreAbnormal) {
