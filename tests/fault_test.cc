@@ -47,7 +47,7 @@ size_t occurrences(const std::string &text, const std::string &part) {
 class FaultTest : public AuthmngTest {
 protected:
     // A failed authentication of the client (counted, queued as abnormal)
-    // under the name user<n>.
+    // under the name "user<n>," (the comma keeps user1 from matching user12).
     static void fail(int32_t client, int n) {
         authmng_auth_info_t info = event_record(client, 0, client == AUTHMNG_CLIENT_WBA ? 3 : 5);
         snprintf(info.username, sizeof info.username, "user%d,", n);
