@@ -31,18 +31,14 @@ bool dir_is_empty(const std::string &path) {
     return n == 0;
 }
 
-struct GroupAt {
-    int point;
-    std::string name;
-};
-
-std::vector<GroupAt> groups() {
-    std::vector<GroupAt> all;
+// The registered command groups as "<point> <name>", in order.
+std::vector<std::string> groups() {
+    std::vector<std::string> all;
     for (int i = 0; i < authmng_host_cli_groups(); ++i) {
         int point = 0;
         const char *name = nullptr;
         authmng_host_cli_group_at(i, &point, &name);
-        all.push_back({point, name});
+        all.push_back(std::to_string(point) + " " + name);
     }
     return all;
 }
@@ -70,18 +66,9 @@ TEST_F(InitTest, WebauthClientRegistersFiveGroupsAndItsDebugSwitches) {
     g_authmng_lib_event_dbg = 1;
     g_authmng_write_tmp_clock = 7;
     ASSERT_EQ(start(AUTHMNG_CLIENT_WBA, 41, 42), 0);
-    std::vector<GroupAt> all = groups();
-    ASSERT_EQ(all.size(), 5u);
-    EXPECT_EQ(all[0].point, 28);
-    EXPECT_EQ(all[0].name, "cfg authmanage");
-    EXPECT_EQ(all[1].point, 6);
-    EXPECT_EQ(all[1].name, "show webauth escape info");
-    EXPECT_EQ(all[2].point, 42);
-    EXPECT_EQ(all[2].name, "show authmng info");
-    EXPECT_EQ(all[3].point, 41);
-    EXPECT_EQ(all[3].name, "authmanage debug");
-    EXPECT_EQ(all[4].point, 17);
-    EXPECT_EQ(all[4].name, "authmanage escape debug");
+    EXPECT_EQ(groups(), (std::vector<std::string>{"28 cfg authmanage", "6 show webauth escape info",
+                                                  "42 show authmng info", "41 authmanage debug",
+                                                  "17 authmanage escape debug"}));
     const char *registered = nullptr;
     EXPECT_EQ(authmng_host_debug_registrations(&registered), 1);
     EXPECT_STREQ(registered, "authmanage-debug");
@@ -107,12 +94,7 @@ TEST_F(InitTest, Dot1xClientRegistersShowAndDebugGroupsAndClearsItsRecords) {
     g_amg_d1x[1].auth_total = 9;
     g_amg_d1x_tmp[0].offline_total = 9;
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X, 51, 52), 0);
-    std::vector<GroupAt> all = groups();
-    ASSERT_EQ(all.size(), 2u);
-    EXPECT_EQ(all[0].point, 52);
-    EXPECT_EQ(all[0].name, "show authmng info");
-    EXPECT_EQ(all[1].point, 51);
-    EXPECT_EQ(all[1].name, "authmanage debug");
+    EXPECT_EQ(groups(), (std::vector<std::string>{"52 show authmng info", "51 authmanage debug"}));
     const char *registered = nullptr;
     EXPECT_EQ(authmng_host_debug_registrations(&registered), 1);
     EXPECT_STREQ(registered, "dot1x_authmng_debug");
@@ -124,12 +106,9 @@ TEST_F(InitTest, Dot1xClientRegistersShowAndDebugGroupsAndClearsItsRecords) {
     for (const authmng_dot1x_stat_t *records : {g_amg_d1x, g_amg_d1x_tmp}) {
         for (int method = 0; method < 2; ++method) {
             for (uint32_t i = 0; i < AUTHMNG_D1X_RANGE_NUM; ++i) {
-                const authmng_range_t &range = records[method].range[i];
-                EXPECT_EQ(range.id, i);
-                EXPECT_EQ(range.num, 3u);
-                EXPECT_EQ(range.bound[0], 0u);
-                EXPECT_EQ(range.bound[1], 1000u);
-                EXPECT_EQ(range.bound[2], 3000u);
+                const authmng_range_t &r = records[method].range[i];
+                EXPECT_EQ(std::vector<uint64_t>({r.id, r.num, r.bound[0], r.bound[1], r.bound[2]}),
+                          std::vector<uint64_t>({i, 3, 0, 1000, 3000}));
             }
         }
     }
