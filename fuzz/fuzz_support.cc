@@ -111,4 +111,16 @@ long file_size(const std::string &path) {
     return stat(path.c_str(), &st) == 0 ? static_cast<long>(st.st_size) : 0;
 }
 
+bool tune(Input &in) {
+    g_authmng_authtime_abnormal_value = 1 + in.below(10000);
+    g_authmng_abnormal_record_max = 1 + in.below(10000);
+    uint8_t flags = in.take<uint8_t>();
+    g_authmng_statistic_enable = (flags & 0x07) != 0;
+    g_authmng_lib_event_dbg = g_authmng_lib_error_dbg = (flags & 0x08) != 0;
+    bool clock_failing = (flags & 0x30) == 0x30;
+    authmng_host_clock_fail(clock_failing);
+    authmng_host_clock_set(in.take<uint32_t>());
+    return clock_failing;
+}
+
 }  // namespace authmng_fuzz

@@ -112,6 +112,11 @@ struct EventCodes {
 authmng_auth_info_t read_event(Input &in, uint8_t shape, const EventCodes &codes);
 
 size_t count_of(const std::string &text, char c);
+
+// The tuning values an intake target draws from its input: abnormal
+// threshold, list cap, master switch, debug switches, the clock and whether
+// it fails. Returns whether the clock now fails.
+bool tune(Input &in);
 // The file from byte offset on ("" when missing).
 std::string read_file(const std::string &path, long offset = 0);
 long file_size(const std::string &path);

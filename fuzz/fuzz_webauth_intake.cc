@@ -170,17 +170,6 @@ void show() {
     FUZZ_CHECK(count_of(text, '\n') == 2 + 3 * size_t{g_authmng_abnormal_record_num});
 }
 
-void tune(Input &in) {
-    g_authmng_authtime_abnormal_value = 1 + in.below(10000);
-    g_authmng_abnormal_record_max = 1 + in.below(10000);
-    uint8_t flags = in.take<uint8_t>();
-    g_authmng_statistic_enable = (flags & 0x07) != 0;
-    g_authmng_lib_event_dbg = g_authmng_lib_error_dbg = (flags & 0x08) != 0;
-    g_clock_failing = (flags & 0x30) == 0x30;
-    authmng_host_clock_fail(g_clock_failing);
-    authmng_host_clock_set(in.take<uint32_t>());
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
@@ -209,7 +198,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                 show();
                 break;
             case 2:
-                tune(in);
+                g_clock_failing = tune(in);
                 break;
             case 3:
                 push_to_limit(in);
