@@ -145,8 +145,9 @@ void Simulator::pass_idle_ticks(int64_t count) {
     if (__atomic_load_n(&g_authmng_statistic_enable, __ATOMIC_RELAXED)) {
         g_authmng_no_write_count += static_cast<uint32_t>(count);
         g_authmng_interval -= static_cast<uint32_t>(count);
-        const uint32_t value = sample_cpp(0);
-        if (client_ == AUTHMNG_CLIENT_CPP && value > g_authmng_max_cpp) g_authmng_max_cpp = value;
+        if (client_ == AUTHMNG_CLIENT_CPP && sample_cpp(0) > g_authmng_max_cpp) {
+            g_authmng_max_cpp = sample_cpp(0);
+        }
     }
     ticks_ += count;
     next_tick_ += count * kTickSeconds;
