@@ -92,6 +92,20 @@ TEST_F(SimCliTest, RefusedCommandLinesMakeTheStatusNonZero) {
     EXPECT_NE(out_.find("commands: 1 run, 1 refused"), std::string::npos) << out_;
 }
 
+TEST_F(SimCliTest, ASecondRunIntoTheSameFolderNeedsAppend) {
+    std::string out = " --hours 0.6 --quiet --out " + root_ + "/out";
+    ASSERT_EQ(run(out + " --debug"), 0) << err_;
+    EXPECT_NE(err_.find("AUTHMNG_LIB_EVENT_DBG: [authmng_timer_proc line:"), std::string::npos)
+        << "--debug shows the replay's own debug lines";
+    std::string first = read_file(root_ + "/out/tmp/security/authmanage/dot1x/dot1x_statistic.csv");
+    EXPECT_EQ(run(out), 2);
+    EXPECT_NE(err_.find("is not empty"), std::string::npos) << err_;
+    EXPECT_NE(err_.find("--append"), std::string::npos) << err_;
+    ASSERT_EQ(run(out + " --append"), 0) << err_;
+    std::string both = read_file(root_ + "/out/tmp/security/authmanage/dot1x/dot1x_statistic.csv");
+    EXPECT_EQ(both.size(), 2 * first.size() - first.find('\n') - 1) << "rows added, no header";
+}
+
 TEST_F(SimCliTest, AWrittenDayReplaysToTheSameFiles) {
     for (const char *client : {"dot1x", "webauth"}) {
         std::string day = root_ + "/" + client;
