@@ -104,41 +104,6 @@ std::string client_title(const std::string &client) {
 
 std::vector<Chart> device_charts(const Device &device, const Settings &settings,
                                  const std::string &id_prefix) {
-    std::vector<Chart> charts;
-    charts.push_back(per_client(
-        device, id_prefix + "auths", "Authentications per interval", "authentications",
-        [](const Interval &in) { return in.auths; }, [](const Interval &) { return true; }));
-    Chart rate = per_client(
-        device, id_prefix + "rate", "Success rate per interval (dashed: the episode threshold)",
-        "%", [](const Interval &in) { return in.rate(); },
-        [](const Interval &in) { return in.auths > 0; });
-    rate.reference = settings.threshold;
-    rate.top = 100;
-    charts.push_back(rate);
-    for (const ClientSeries &s : device.clients) {
-        charts.push_back(failures_by_cause(s, id_prefix + "causes-" + s.client));
-    }
-    for (const ClientSeries &s : device.clients) {
-        charts.push_back(step_times(s, s.client != "webauth", id_prefix + "steps-" + s.client));
-    }
-    charts.push_back(per_client(
-        device, id_prefix + "online", "Online users", "users",
-        [](const Interval &in) { return in.online; }, [](const Interval &) { return true; }));
-    Chart cpp = make_chart(id_prefix + "cpp", "cpp client: highest sample per interval", "",
-                           ChartStyle::kLines);
-    cpp.series.push_back(Series{"cpp", {}});
-    for (const auto &p : device.cpp)
-        cpp.series[0].points.push_back(Point{p.first, p.first, p.second});
-    charts.push_back(cpp);
-    Chart escapes = make_chart(id_prefix + "escapes",
-                               "User escapes and redirect-side restarts (from the escape log)", "",
-                               ChartStyle::kSpans);
-    escapes.series = {Series{"escape", {}}, Series{"restart", {}}};
-    for (const EscapeEpisode &e : device.escapes) {
-        escapes.series[e.restart ? 1 : 0].points.push_back(
-            Point{e.start, e.end, static_cast<double>(e.entries)});
-    }
-    charts.push_back(escapes);
     // One time axis for the interval charts of a device.
     int64_t from = 0, to = 0;
     for (const ClientSeries &s : device.clients) {
@@ -147,17 +112,53 @@ std::vector<Chart> device_charts(const Device &device, const Settings &settings,
             to = std::max(to, in.end);
         }
     }
-    for (Chart &chart : charts) {
-        if (chart.id.find("steps-") != std::string::npos &&
-            chart.id.find("webauth") == std::string::npos) {
-            continue;  // the days of the daily file
+    std::vector<Chart> charts;
+    auto add = [&charts, from, to](Chart chart, bool shared_axis) {
+        if (!has_points(chart)) return;
+        if (shared_axis) {
+            chart.from = from;
+            chart.to = to;
         }
-        chart.from = from;
-        chart.to = to;
+        charts.push_back(chart);
+    };
+    add(per_client(
+            device, id_prefix + "auths", "Authentications per interval", "authentications",
+            [](const Interval &in) { return in.auths; }, [](const Interval &) { return true; }),
+        true);
+    Chart rate = per_client(
+        device, id_prefix + "rate", "Success rate per interval (dashed: the episode threshold)",
+        "%", [](const Interval &in) { return in.rate(); },
+        [](const Interval &in) { return in.auths > 0; });
+    rate.reference = settings.threshold;
+    rate.top = 100;
+    add(rate, true);
+    for (const ClientSeries &s : device.clients) {
+        add(failures_by_cause(s, id_prefix + "causes-" + s.client), true);
     }
-    charts.erase(
-        std::remove_if(charts.begin(), charts.end(), [](const Chart &c) { return !has_points(c); }),
-        charts.end());
+    for (const ClientSeries &s : device.clients) {
+        bool days = s.client != "webauth";
+        add(step_times(s, days, id_prefix + "steps-" + s.client), !days);
+    }
+    add(per_client(
+            device, id_prefix + "online", "Online users", "users",
+            [](const Interval &in) { return in.online; }, [](const Interval &) { return true; }),
+        true);
+    Chart cpp = make_chart(id_prefix + "cpp", "cpp client: highest sample per interval", "",
+                           ChartStyle::kLines);
+    cpp.series.push_back(Series{"cpp", {}});
+    for (const auto &p : device.cpp) {
+        cpp.series[0].points.push_back(Point{p.first, p.first, p.second});
+    }
+    add(cpp, true);
+    Chart escapes = make_chart(id_prefix + "escapes",
+                               "User escapes and redirect-side restarts (from the escape log)", "",
+                               ChartStyle::kSpans);
+    escapes.series = {Series{"escape", {}}, Series{"restart", {}}};
+    for (const EscapeEpisode &e : device.escapes) {
+        escapes.series[e.restart ? 1 : 0].points.push_back(
+            Point{e.start, e.end, static_cast<double>(e.entries)});
+    }
+    add(escapes, true);
     return charts;
 }
 
