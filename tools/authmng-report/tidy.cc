@@ -88,8 +88,8 @@ std::vector<std::pair<std::string, std::string>> tidy_tables(const std::vector<T
         }
     }
     return {{"statistics.csv", statistics},
-            {"dot1x_abnormal.csv", dot1x_abnormal},
-            {"wba_abnormal.csv", wba_abnormal},
+            {"abnormal_dot1x.csv", dot1x_abnormal},
+            {"abnormal_webauth.csv", wba_abnormal},
             {"escape_log.csv", escape_log}};
 }
 

@@ -17,8 +17,8 @@ std::string csv_field(const std::string &text);
 
 // The tidy tables as (file name, contents):
 //   statistics.csv       device,file,client,time,measure,value,kind
-//   dot1x_abnormal.csv   device,file,time,<the file's columns>
-//   wba_abnormal.csv     device,file,time,<the file's columns>
+//   abnormal_dot1x.csv   device,file,time,<the file's columns>
+//   abnormal_webauth.csv device,file,time,<the file's columns>
 //   escape_log.csv       device,file,time,check,average,sample
 // kind is "interval" (a difference over the interval, or for cpp its
 // highest sample), "total" (a running total since the last clear) or
