@@ -204,6 +204,26 @@ void add_escape_log(const ParsedFile &file, Device *device) {
     }
 }
 
+void add_cpp(const ParsedFile &file, Device *device) {
+    for (const Row &row : file.rows) device->cpp.emplace_back(row.time, number_of(row.fields[0]));
+}
+
+// What each kind of file adds to a device.
+struct Reader {
+    FileKind kind;
+    void (*read)(const ParsedFile &file, Device *device);
+};
+constexpr Reader kReaders[] = {
+    {FileKind::kDot1xInterval, add_dot1x_intervals},
+    {FileKind::kDot1xDaily, add_dot1x_days},
+    {FileKind::kDot1xAbnormal, add_dot1x_abnormal},
+    {FileKind::kWebauthInterval, add_webauth_intervals},
+    {FileKind::kWebauthSub, add_webauth_causes},
+    {FileKind::kWebauthAbnormal, add_webauth_abnormal},
+    {FileKind::kEscapeLog, add_escape_log},
+    {FileKind::kCpp, add_cpp},
+};
+
 // Runs of escape triggers (or of restart verdicts): a new run begins when
 // the previous entry of its sort is more than the escape life back.
 void find_escapes(const Settings &settings, Device *device) {
@@ -295,35 +315,8 @@ Device build_device(const std::string &label, const std::vector<ParsedFile> &fil
             device.sources.push_back(file.path + " (" + kind_name(file.kind) + ", " +
                                      std::to_string(file.rows.size()) + " rows)");
             note_file(file, &device);
-            switch (file.kind) {
-                case FileKind::kDot1xInterval:
-                    add_dot1x_intervals(file, &device);
-                    break;
-                case FileKind::kWebauthInterval:
-                    add_webauth_intervals(file, &device);
-                    break;
-                case FileKind::kWebauthSub:
-                    add_webauth_causes(file, &device);
-                    break;
-                case FileKind::kDot1xDaily:
-                    add_dot1x_days(file, &device);
-                    break;
-                case FileKind::kDot1xAbnormal:
-                    add_dot1x_abnormal(file, &device);
-                    break;
-                case FileKind::kWebauthAbnormal:
-                    add_webauth_abnormal(file, &device);
-                    break;
-                case FileKind::kEscapeLog:
-                    add_escape_log(file, &device);
-                    break;
-                case FileKind::kCpp:
-                    for (const Row &row : file.rows) {
-                        device.cpp.emplace_back(row.time, number_of(row.fields[0]));
-                    }
-                    break;
-                default:
-                    break;
+            for (const Reader &reader : kReaders) {
+                if (reader.kind == file.kind) reader.read(file, &device);
             }
         }
     }

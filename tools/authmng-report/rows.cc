@@ -126,7 +126,10 @@ bool parse_ctime(const std::string &line, int64_t *civil) {
     const char *at = strstr(kMonths, month);
     if (at == nullptr || strlen(month) != 3 || (at - kMonths) % 3 != 0) return false;
     int m = static_cast<int>(at - kMonths) / 3 + 1;
-    if (day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60 || year < 1970) return false;
+    if (day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60 || year < 1970 ||
+        year > 9999) {
+        return false;
+    }
     *civil = civil_seconds(year, m, day, hour, minute, second);
     return true;
 }
