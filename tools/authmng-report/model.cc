@@ -72,8 +72,28 @@ void add_webauth_intervals(const ParsedFile &file, Device *device) {
     }
 }
 
-// The cause columns and the step times of the substatistic rows, joined to
-// the interval row of the same write.
+// The text of a web-auth result code: "AAA timeout:......" -> "AAA timeout".
+std::string webauth_result_text(uint32_t code) {
+    if (code == 0) return "success";
+    if (code == 1) return "wrong password";
+    std::string label = authmng::webauth_result_label(code);
+    while (!label.empty() && (label.back() == '.' || label.back() == ':')) label.pop_back();
+    return label.empty() ? "code " + std::to_string(code) : label;
+}
+
+// The cause columns of the substatistic file and their result codes.
+struct CauseColumn {
+    const char *column;
+    uint32_t code;
+};
+constexpr CauseColumn kWebauthCauses[] = {
+    {"aaa_reject", 1},     {"aaa_timeout", 2},    {"auth_dev_timeout", 3},
+    {"set_scc_fail", 4},   {"account_reject", 5}, {"account_status_timeout", 6},
+    {"find_user_fail", 7}, {"other_reason", 13},
+};
+
+// The cause columns (named with the result texts) and the step times of the
+// substatistic rows, joined to the interval row of the same write.
 void add_webauth_causes(const ParsedFile &file, Device *device) {
     static const char *const kSteps[][2] = {{"portal", "aggregate_portal"},
                                             {"SCC", "aggregate_scc"},
@@ -82,17 +102,12 @@ void add_webauth_causes(const ParsedFile &file, Device *device) {
                                             {"RADIUS server", "aggregate_rdsvr"}};
     Columns c(file);
     ClientSeries *series = series_of(device, "webauth");
-    size_t causes = 0;
-    while (causes < file.columns.size() && file.columns[causes].find("aggregate") != 0) ++causes;
     for (const Row &row : file.rows) {
         for (Interval &in : series->intervals) {
-            if (llabs(in.end - row.time) > kSubRowSlack || !in.causes.empty() ||
-                !in.steps.empty()) {
-                continue;
-            }
-            for (size_t i = 0; i < causes; ++i) {
-                double n = number_of(row.fields[i]);
-                if (n > 0) in.causes.emplace_back(file.columns[i], n);
+            if (llabs(in.end - row.time) > kSubRowSlack || !in.steps.empty()) continue;
+            for (const CauseColumn &cause : kWebauthCauses) {
+                double n = c.number(row, cause.column);
+                if (n > 0) in.causes.emplace_back(webauth_result_text(cause.code), n);
             }
             for (const auto &step : kSteps) {
                 double sum = c.number(row, step[1]);
@@ -163,17 +178,6 @@ void add_dot1x_abnormal(const ParsedFile &file, Device *device) {
     }
 }
 
-// "AAA timeout:......" -> "AAA timeout".
-std::string webauth_result_text(const std::string &code) {
-    long value = is_number(code) ? strtol(code.c_str(), nullptr, 10) : -1;
-    if (value == 0) return "success";
-    if (value == 1) return "wrong password";
-    std::string label =
-        value > 0 ? authmng::webauth_result_label(static_cast<uint32_t>(value)) : "";
-    while (!label.empty() && (label.back() == '.' || label.back() == ':')) label.pop_back();
-    return label.empty() ? "code " + code : label;
-}
-
 void add_webauth_abnormal(const ParsedFile &file, Device *device) {
     Columns c(file);
     for (const Row &row : file.rows) {
@@ -184,7 +188,11 @@ void add_webauth_abnormal(const ParsedFile &file, Device *device) {
         r.mac = c.text(row, "mac");
         r.ip = c.text(row, "ip");
         r.event = "auth";
-        r.cause = webauth_result_text(c.text(row, "wba_code"));
+        const std::string &code = c.text(row, "wba_code");
+        r.cause =
+            is_number(code) && code[0] != '-' && code.size() < 10
+                ? webauth_result_text(static_cast<uint32_t>(strtoul(code.c_str(), nullptr, 10)))
+                : "code " + code;
         r.auth_time = c.number(row, "ack_time");
         double aaa = c.number(row, "auth_aaa_time"), rds = c.number(row, "auth_rds_time");
         double server = c.number(row, "auth_rds_svr_time");

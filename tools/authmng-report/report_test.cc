@@ -160,7 +160,7 @@ TEST(ReportModel, EpisodesRestartsAndCauses) {
     EXPECT_EQ(dot1x.failures, 90);
     EXPECT_EQ(dot1x.cause, "aaa timeout");
     EXPECT_EQ(episodes[1].client, "webauth");
-    EXPECT_EQ(episodes[1].cause, "aaa_timeout");
+    EXPECT_EQ(episodes[1].cause, "AAA timeout") << "the result text of code 2";
     EXPECT_EQ(episodes[2].what, "users escaped authentication");
     EXPECT_EQ(episodes[2].log_entries, 2);
     EXPECT_EQ(iso_time(episodes[2].end), "2027-01-01T00:11:59") << "30 minutes after the last";
