@@ -6,8 +6,6 @@
 namespace authmng_report {
 namespace {
 
-constexpr int64_t kHour = 3600;
-
 Chart make_chart(const std::string &id, const std::string &title, const std::string &unit,
                  ChartStyle style) {
     Chart chart;
