@@ -3,7 +3,11 @@
 // names with commas), the model (episodes, restarts), escaping, and the
 // tidy tables carrying every number of the files.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -11,6 +15,7 @@
 #include "html.h"
 #include "model.h"
 #include "rows.h"
+#include "storage.h"
 #include "tidy.h"
 
 namespace authmng_report {
@@ -142,6 +147,35 @@ TEST(ReportRows, RestartedFilesCutRowsUnitsAndNamesWithCommas) {
     EXPECT_EQ(log.cut_rows, 1);
     EXPECT_EQ(iso_time(log.rows[2].time), "2026-12-31T23:50:59");
     EXPECT_EQ(log.rows[1].fields, (std::vector<std::string>{"authtimeout", "5", "18"}));
+}
+
+// A copied tree: files found by name at any depth, years from their
+// modification times, other files and unknown headers noted.
+TEST(ReportStorage, FilesAreFoundByNameAndYearedByTheirTimes) {
+    char root[] = "/tmp/authmng-report-XXXXXX";
+    ASSERT_NE(mkdtemp(root), nullptr);
+    std::string dir = std::string(root) + "/flash";
+    ASSERT_EQ(mkdir(dir.c_str(), 0700), 0);
+    auto write = [](const std::string &path, const char *text) {
+        FILE *f = fopen(path.c_str(), "w");
+        fputs(text, f);
+        fclose(f);
+        struct utimbuf times = {kNewYearsDay, kNewYearsDay};
+        utime(path.c_str(), &times);
+    };
+    write(dir + "/dot1x_statistic.csv", kDot1xDaily);
+    write(dir + "/cpp.csv", "no header here\n");
+    write(std::string(root) + "/notes.txt", "not read\n");
+    TreeFiles tree = read_tree(std::string(root) + "/", 0);
+    system((std::string("rm -rf ") + root).c_str());
+
+    EXPECT_EQ(tree.label, std::string(root).substr(5));
+    ASSERT_EQ(tree.files.size(), 1u);
+    EXPECT_EQ(tree.files[0].path, "flash/dot1x_statistic.csv");
+    EXPECT_EQ(tree.files[0].kind, FileKind::kDot1xDaily);
+    EXPECT_EQ(iso_time(tree.files[0].rows[0].time), "2026-12-31T01:00:00");
+    ASSERT_EQ(tree.notes.size(), 1u);
+    EXPECT_EQ(tree.notes[0], "flash/cpp.csv: not a file of the library (unknown header), left out");
 }
 
 TEST(ReportModel, EpisodesRestartsAndCauses) {
