@@ -157,23 +157,30 @@ double minus(double a, double b) {
     return a > b ? a - b : 0;
 }
 
+// The columns both abnormal files share, and the step times (the AAA time
+// holds the RADIUS time, which holds the server's).
+AbnormalRecord abnormal_record(const Columns &c, const Row &row, const char *client, double station,
+                               double device, double aaa, double rds, double server) {
+    AbnormalRecord r;
+    r.time = row.time;
+    r.client = client;
+    r.user = c.text(row, "username");
+    r.mac = c.text(row, "mac");
+    r.ip = c.text(row, "ip");
+    double steps[kStepCount] = {station, device, minus(aaa, rds), minus(rds, server), server};
+    std::copy(steps, steps + kStepCount, r.steps);
+    return r;
+}
+
 void add_dot1x_abnormal(const ParsedFile &file, Device *device) {
     Columns c(file);
     for (const Row &row : file.rows) {
-        AbnormalRecord r;
-        r.time = row.time;
-        r.client = "802.1X/MAB";
-        r.user = c.text(row, "username");
-        r.mac = c.text(row, "mac");
-        r.ip = c.text(row, "ip");
+        AbnormalRecord r =
+            abnormal_record(c, row, "802.1X/MAB", c.number(row, "StaT"), c.number(row, "SelfT"),
+                            c.number(row, "AaaT"), c.number(row, "RdsT"), c.number(row, "RdsST"));
         r.event = c.text(row, "Type");
         r.cause = c.text(row, "Reason");
         r.auth_time = c.number(row, "auth_time");
-        double aaa = c.number(row, "AaaT"), rds = c.number(row, "RdsT");
-        double server = c.number(row, "RdsST");
-        double steps[kStepCount] = {c.number(row, "StaT"), c.number(row, "SelfT"), minus(aaa, rds),
-                                    minus(rds, server), server};
-        std::copy(steps, steps + kStepCount, r.steps);
         device->abnormal.push_back(r);
     }
 }
@@ -181,12 +188,12 @@ void add_dot1x_abnormal(const ParsedFile &file, Device *device) {
 void add_webauth_abnormal(const ParsedFile &file, Device *device) {
     Columns c(file);
     for (const Row &row : file.rows) {
-        AbnormalRecord r;
-        r.time = row.time;
-        r.client = "web-auth";
-        r.user = c.text(row, "username");
-        r.mac = c.text(row, "mac");
-        r.ip = c.text(row, "ip");
+        // A portal user has no station step: the portal and SCC times stand
+        // for the device's own work.
+        AbnormalRecord r = abnormal_record(
+            c, row, "web-auth", 0, c.number(row, "portal_time") + c.number(row, "scc_time"),
+            c.number(row, "auth_aaa_time"), c.number(row, "auth_rds_time"),
+            c.number(row, "auth_rds_svr_time"));
         r.event = "auth";
         const std::string &code = c.text(row, "wba_code");
         r.cause =
@@ -194,13 +201,6 @@ void add_webauth_abnormal(const ParsedFile &file, Device *device) {
                 ? webauth_result_text(static_cast<uint32_t>(strtoul(code.c_str(), nullptr, 10)))
                 : "code " + code;
         r.auth_time = c.number(row, "ack_time");
-        double aaa = c.number(row, "auth_aaa_time"), rds = c.number(row, "auth_rds_time");
-        double server = c.number(row, "auth_rds_svr_time");
-        // A portal user has no station step: the portal and SCC times stand
-        // for the device's own work.
-        double steps[kStepCount] = {0, c.number(row, "portal_time") + c.number(row, "scc_time"),
-                                    minus(aaa, rds), minus(rds, server), server};
-        std::copy(steps, steps + kStepCount, r.steps);
         device->abnormal.push_back(r);
     }
 }
