@@ -53,6 +53,16 @@ bool parse_mac(const char *text, size_t length, uint8_t mac[6]) {
     return true;
 }
 
+uint64_t mac_key(const uint8_t mac[6]) {
+    uint64_t key = 0;
+    for (int i = 0; i < 6; ++i) key = key << 8 | mac[i];
+    return key;
+}
+
+void mac_from_key(uint64_t key, uint8_t mac[6]) {
+    for (int i = 0; i < 6; ++i) mac[i] = static_cast<uint8_t>(key >> (40 - 8 * i));
+}
+
 bool parse_event(const char *line, size_t length, HostapdEvent *event) {
     if (length > kEventLineMax) return false;
     while (length > 0 && (line[length - 1] == '\n' || line[length - 1] == '\0')) --length;

@@ -39,6 +39,10 @@ bool parse_event(const char *line, size_t length, HostapdEvent *event);
 // end or a blank. false otherwise.
 bool parse_mac(const char *text, size_t length, uint8_t mac[6]);
 
+// A MAC as one number (map keys) and back.
+uint64_t mac_key(const uint8_t mac[6]);
+void mac_from_key(uint64_t key, uint8_t mac[6]);
+
 // The event name's text of a kind, for logs and metrics labels.
 const char *event_kind_name(EventKind kind);
 

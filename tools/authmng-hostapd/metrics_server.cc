@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 
 #include "mono_clock.h"
@@ -15,15 +16,17 @@ namespace {
 // Longest request read; a scrape's request is a few hundred bytes.
 constexpr size_t kRequestMax = 4096;
 
-bool all_digits(const std::string &text) {
+// A port number: 1 to 65535 in decimal digits.
+bool is_port(const std::string &text) {
     return !text.empty() && text.size() <= 5 &&
-           text.find_first_not_of("0123456789") == std::string::npos;
+           text.find_first_not_of("0123456789") == std::string::npos && atoi(text.c_str()) >= 1 &&
+           atoi(text.c_str()) <= 65535;
 }
 
 }  // namespace
 
 bool split_listen_address(const std::string &text, std::string *host, std::string *port) {
-    if (all_digits(text)) {
+    if (is_port(text)) {
         *host = "127.0.0.1";
         *port = text;
         return true;
@@ -35,7 +38,7 @@ bool split_listen_address(const std::string &text, std::string *host, std::strin
     if (host->size() >= 2 && host->front() == '[' && host->back() == ']') {
         *host = host->substr(1, host->size() - 2);
     }
-    return !host->empty() && all_digits(*port);
+    return !host->empty() && is_port(*port);
 }
 
 std::string http_response(const std::string &request, const std::function<std::string()> &body) {

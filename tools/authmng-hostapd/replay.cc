@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "event_log.h"
+#include "hostapd_event.h"
 #include "mono_clock.h"
 #include "station_mapper.h"
 
@@ -36,9 +37,7 @@ public:
 
 private:
     static std::pair<int, uint64_t> key(int iface, const uint8_t mac[6]) {
-        uint64_t k = 0;
-        for (int i = 0; i < 6; ++i) k = k << 8 | mac[i];
-        return {iface, k};
+        return {iface, mac_key(mac)};
     }
     std::map<std::pair<int, uint64_t>, StationInfo> stations_;
     std::map<int, MibInfo> mibs_;

@@ -17,12 +17,6 @@ uint32_t elapsed_ms(int64_t from_us, int64_t to_us) {
 
 }  // namespace
 
-uint64_t StationMapper::mac_key(const uint8_t mac[6]) {
-    uint64_t key = 0;
-    for (int i = 0; i < 6; ++i) key = key << 8 | mac[i];
-    return key;
-}
-
 void StationMapper::emit(authmng_auth_info_t *record, const uint8_t mac[6], const Station &st,
                          uint32_t event) {
     record->client_type = AUTHMNG_CLIENT_DOT1X;
@@ -165,7 +159,7 @@ void StationMapper::on_link_down(int iface, int64_t now_us) {
     for (auto it = stations_.lower_bound(Key(iface, 0));
          it != stations_.end() && it->first.first == iface;) {
         uint8_t mac[6];
-        for (int i = 0; i < 6; ++i) mac[i] = static_cast<uint8_t>(it->first.second >> (40 - 8 * i));
+        mac_from_key(it->first.second, mac);
         Station *st = &it->second;
         if (st->in_progress) {
             authmng_auth_info_t record;
@@ -184,7 +178,7 @@ void StationMapper::on_iface_lost(int iface) {
     for (auto it = stations_.lower_bound(Key(iface, 0));
          it != stations_.end() && it->first.first == iface;) {
         uint8_t mac[6];
-        for (int i = 0; i < 6; ++i) mac[i] = static_cast<uint8_t>(it->first.second >> (40 - 8 * i));
+        mac_from_key(it->first.second, mac);
         if (it->second.online) go_offline(mac, &it->second, kOfflineNoPortControl);
         it = stations_.erase(it);
     }

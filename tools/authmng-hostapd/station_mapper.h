@@ -79,7 +79,6 @@ private:
     };
     using Key = std::pair<int, uint64_t>;
 
-    static uint64_t mac_key(const uint8_t mac[6]);
     void start(int iface, const uint8_t mac[6], Station *st, int64_t now_us);
     void finish(int iface, const uint8_t mac[6], Station *st, uint32_t result, int64_t now_us);
     void go_offline(const uint8_t mac[6], Station *st, uint32_t reason);
