@@ -46,6 +46,7 @@ void Bridge::try_attach(int index, int64_t now) {
     snprintf(local, sizeof local, "/tmp/authmng-hostapd-%d-%d-rq", static_cast<int>(getpid()),
              index);
     ok = ok && in.requests.open(in.path, local);
+    in.events.stamp_arrivals();
     if (!ok) {
         in.events.close();
         in.requests.close();
@@ -104,8 +105,8 @@ void Bridge::log_malformed(const char *line, size_t length) {
 
 void Bridge::read_events(int index) {
     Iface &in = *ifaces_[index];
-    // Stamp everything waiting before acting on any of it: the STA polls of
-    // the mapper must not delay the receipt time of the next event.
+    // Read everything waiting before acting on any of it; each event keeps
+    // the kernel's arrival stamp, however long the mapper's polls take.
     struct Received {
         int64_t us;
         HostapdEvent event;
@@ -115,14 +116,13 @@ void Bridge::read_events(int index) {
     std::vector<Received> batch;
     char buffer[kCtrlBufferSize];
     for (int i = 0; i < kEventsPerTurn; ++i) {
-        ssize_t got = in.events.receive(buffer, sizeof buffer - 1);
+        Received r;
+        ssize_t got = in.events.receive(buffer, sizeof buffer - 1, &r.us);
         if (got == 0) break;
         if (got < 0) {
             lose(index, monotonic_us(), strerror(errno));
             return;
         }
-        Received r;
-        r.us = monotonic_us();
         r.ok = parse_event(buffer, static_cast<size_t>(got), &r.event);
         r.line.assign(buffer, static_cast<size_t>(got));
         batch.push_back(std::move(r));

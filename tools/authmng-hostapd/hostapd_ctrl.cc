@@ -8,6 +8,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
+
+#include "mono_clock.h"
 
 namespace authmng_hostapd {
 namespace {
@@ -64,11 +67,36 @@ bool CtrlSocket::request(const char *command, std::string *reply, int timeout_ms
     return true;
 }
 
-ssize_t CtrlSocket::receive(char *buffer, size_t size) {
+void CtrlSocket::stamp_arrivals() {
+    int on = 1;
+    if (fd_ >= 0) setsockopt(fd_, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
+}
+
+ssize_t CtrlSocket::receive(char *buffer, size_t size, int64_t *arrival_us) {
     if (fd_ < 0) return -1;
-    ssize_t got = recv(fd_, buffer, size, 0);
-    if (got >= 0) return got;
-    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    iovec iov = {buffer, size};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(timespec))];
+    msghdr msg;
+    memset(&msg, 0, sizeof msg);
+    msg.msg_iov = &iov;
+    msg.msg_iovlen = 1;
+    msg.msg_control = control;
+    msg.msg_controllen = sizeof control;
+    ssize_t got = recvmsg(fd_, &msg, 0);
+    if (got < 0) return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    int64_t now = monotonic_us();
+    *arrival_us = now;
+    for (cmsghdr *c = CMSG_FIRSTHDR(&msg); c != nullptr; c = CMSG_NXTHDR(&msg, c)) {
+        if (c->cmsg_level != SOL_SOCKET || c->cmsg_type != SCM_TIMESTAMPNS) continue;
+        timespec wall, arrival;
+        memcpy(&arrival, CMSG_DATA(c), sizeof arrival);
+        clock_gettime(CLOCK_REALTIME, &wall);
+        // The arrival on the wall clock, moved onto the monotonic one.
+        int64_t age = (static_cast<int64_t>(wall.tv_sec) - arrival.tv_sec) * 1000000 +
+                      (wall.tv_nsec - arrival.tv_nsec) / 1000;
+        if (age >= 0 && age < 10000000) *arrival_us = now - age;
+    }
+    return got;
 }
 
 unsigned long long socket_identity(const std::string &path) {

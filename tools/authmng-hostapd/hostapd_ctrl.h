@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace authmng_hostapd {
@@ -35,9 +36,15 @@ public:
     // over from an earlier request that timed out are discarded first.
     bool request(const char *command, std::string *reply, int timeout_ms = kRequestTimeoutMs);
 
+    // Ask the kernel to stamp every datagram on arrival.
+    void stamp_arrivals();
+
     // One waiting datagram without blocking: its length, 0 when none is
-    // waiting, -1 when the socket failed (hostapd went away).
-    ssize_t receive(char *buffer, size_t size);
+    // waiting, -1 when the socket failed (hostapd went away). *arrival_us
+    // is the kernel's arrival stamp on the monotonic clock (see
+    // stamp_arrivals), or the time of this call when there is none: the
+    // stamp stays right while the caller was busy polling hostapd.
+    ssize_t receive(char *buffer, size_t size, int64_t *arrival_us);
 
 private:
     int fd_ = -1;
