@@ -14,11 +14,11 @@ namespace authmng_hostapd {
 
 bool CommandServer::start(const std::string &path, CommandHandler handler) {
     handler_ = std::move(handler);
-    mode_t old_mask = umask(0177);
     fd_ = authmng_unix_socket_init(path.c_str());
-    umask(old_mask);
     if (fd_ < 0) return false;
-    if (listen(fd_, 16) != 0) {
+    // Only the owner may connect at all; root gets through regardless, and
+    // the credentials are checked on every connection as well.
+    if (chmod(path.c_str(), 0600) != 0 || listen(fd_, 16) != 0) {
         int saved = errno;
         close(fd_);
         fd_ = -1;
