@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,9 +23,9 @@ namespace {
 // How long the daemon may take to answer one packet.
 constexpr int kReplyTimeoutMs = 5000;
 
-// Runs one line at the daemon: its output to stdout. 0 run, 1 refused by
-// the command line, 2 not allowed or no daemon.
-int run(const char *socket_path, const std::string &line) {
+// Runs one line at the daemon: its output to out (stdout when null). 0 run,
+// 1 refused by the command line, 2 not allowed or no daemon.
+int run(const char *socket_path, const std::string &line, std::string *out = nullptr) {
     authmng_tlv_buf_t request;
     if (!authmng_cmd::pack(line.data(), line.size(), &request)) {
         fprintf(stderr, "authmng-cli: command longer than %zu characters\n",
@@ -39,11 +40,10 @@ int run(const char *socket_path, const std::string &line) {
         return 2;
     }
     int status = -1;
-    if (authmng_unix_send(fd, request.data, request.used) != request.used) {
-        fprintf(stderr, "authmng-cli: cannot send to %s: %s\n", socket_path, strerror(errno));
-        close(fd);
-        return 2;
-    }
+    // A daemon that refuses the connection may have answered and closed
+    // before the request got out: its answer is still there to read.
+    bool sent = authmng_unix_send(fd, request.data, request.used) == request.used;
+    int send_error = errno;
     for (;;) {
         pollfd pfd = {fd, POLLIN, 0};
         if (poll(&pfd, 1, kReplyTimeoutMs) <= 0) {
@@ -64,20 +64,56 @@ int run(const char *socket_path, const std::string &line) {
             status = value == "0" ? 0 : value == "1" ? 1 : 2;
             continue;
         }
-        fwrite(value.data(), 1, value.size(), status == 2 ? stderr : stdout);
+        if (out != nullptr) {
+            *out += value;
+        } else {
+            fwrite(value.data(), 1, value.size(), status == 2 ? stderr : stdout);
+        }
     }
     close(fd);
     fflush(stdout);
+    if (status < 0 && !sent) {
+        fprintf(stderr, "authmng-cli: cannot send to %s: %s\n", socket_path, strerror(send_error));
+    }
     return status < 0 ? 2 : status;
 }
 
+const char *g_socket_path = nullptr;
+
+// The daemon's keywords that may follow the words typed so far.
+char *complete_keyword(const char *text, int state) {
+    static std::string candidates;
+    static size_t cursor = 0;
+    if (state == 0) {
+        candidates.clear();
+        cursor = 0;
+        std::string typed(rl_line_buffer, static_cast<size_t>(rl_point));
+        if (run(g_socket_path, "bridge complete " + typed, &candidates) != 0) candidates.clear();
+    }
+    while (cursor < candidates.size()) {
+        size_t end = candidates.find('\n', cursor);
+        if (end == std::string::npos) end = candidates.size();
+        std::string word = candidates.substr(cursor, end - cursor);
+        cursor = end + 1;
+        if (!word.empty() && word.compare(0, strlen(text), text) == 0) return strdup(word.c_str());
+    }
+    return nullptr;
+}
+
+char **complete(const char *text, int, int) {
+    rl_attempted_completion_over = 1;
+    return rl_completion_matches(text, complete_keyword);
+}
+
 void prompt(const char *socket_path) {
+    g_socket_path = socket_path;
+    rl_attempted_completion_function = complete;
     std::string history;
     if (const char *home = getenv("HOME")) history = std::string(home) + "/.authmng_cli_history";
     using_history();
     if (!history.empty()) read_history(history.c_str());
     printf(
-        "Commands of the daemon at %s; \"?\" at the end lists what may follow, "
+        "Commands of the daemon at %s; \"?\" at the end lists what may follow, tab completes, "
         "\"exit\" leaves.\n",
         socket_path);
     for (;;) {
@@ -100,6 +136,7 @@ void prompt(const char *socket_path) {
 }  // namespace
 
 int main(int argc, char **argv) {
+    signal(SIGPIPE, SIG_IGN);  // a closed daemon end is an error result, not an end
     const option options[] = {{"socket", required_argument, nullptr, 's'},
                               {"help", no_argument, nullptr, 'h'},
                               {nullptr, 0, nullptr, 0}};

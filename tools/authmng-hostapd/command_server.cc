@@ -52,6 +52,15 @@ void CommandServer::serve() {
 }
 
 void CommandServer::answer(int fd) {
+    // The request is read first, also from a peer that is then refused:
+    // closing on an unread request would reset the connection and lose the
+    // answer before the peer reads it.
+    pollfd pfd = {fd, POLLIN, 0};
+    if (poll(&pfd, 1, kCommandTimeoutMs) <= 0) return;
+    char packet[AUTHMNG_TLV_BUF_SIZE + 1];
+    // Something is waiting (or the peer hung up), so the receive returns.
+    int got = authmng_unix_receive(fd, packet, sizeof packet);
+    if (got <= 0) return;
     ucred peer;
     socklen_t len = sizeof peer;
     if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &len) != 0 ||
@@ -66,13 +75,7 @@ void CommandServer::answer(int fd) {
         fprintf(stderr, "%s", text);
         return;
     }
-    pollfd pfd = {fd, POLLIN, 0};
-    if (poll(&pfd, 1, kCommandTimeoutMs) <= 0) return;
-    char packet[AUTHMNG_TLV_BUF_SIZE + 1];
-    // Something is waiting (or the peer hung up), so the receive returns.
-    int got = authmng_unix_receive(fd, packet, sizeof packet);
     std::string line, output;
-    if (got <= 0) return;
     if (!authmng_cmd::unpack(packet, static_cast<size_t>(got), &line)) {
         authmng_cmd::send_reply(fd, authmng_cmd::kRefused, "% malformed command message\n",
                                 kCommandTimeoutMs);

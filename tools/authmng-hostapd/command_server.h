@@ -1,7 +1,8 @@
 // The daemon's command socket: a thread that accepts authmng-cli's
 // connections on a local sequenced-packet socket, lets in only the daemon's
 // owner and root (the peer's credentials), and runs one command line per
-// connection (command_protocol.h).
+// connection (command_protocol.h). The process ignores SIGPIPE: a client
+// that goes away mid-answer must not end the daemon.
 #ifndef AUTHMNG_HOSTAPD_COMMAND_SERVER_H
 #define AUTHMNG_HOSTAPD_COMMAND_SERVER_H
 

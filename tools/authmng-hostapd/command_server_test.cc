@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
@@ -43,6 +44,7 @@ std::string run_line(const std::string &path, const std::string &line) {
 class CommandServerTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        signal(SIGPIPE, SIG_IGN);  // as the daemon has it
         char dir[] = "/tmp/authmng-cmd-XXXXXX";
         ASSERT_NE(mkdtemp(dir), nullptr);
         dir_ = dir;

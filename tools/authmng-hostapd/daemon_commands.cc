@@ -17,6 +17,9 @@ std::string trimmed(const std::string &line) {
     return line.substr(first, last - first + 1);
 }
 
+constexpr char kCompletePrefix[] = "bridge complete ";
+constexpr size_t kCompletePrefixLen = sizeof kCompletePrefix - 1;
+
 }  // namespace
 
 void bind_command_words() {
@@ -35,7 +38,17 @@ authmng_cmd::Status run_daemon_command(const std::string &line, const BridgeCoun
         return authmng_cmd::kRefused;
     }
     authmng_cmd::Status status = authmng_cmd::kRun;
-    if (words == "bridge status") {
+    if (line.compare(0, kCompletePrefixLen, kCompletePrefix) == 0) {
+        // The partly typed line as it stands: the words before the last
+        // blank, and the word being typed after it.
+        std::string typed = line.substr(kCompletePrefixLen);
+        size_t blank = typed.find_last_of(' ');
+        std::string partial = blank == std::string::npos ? typed : typed.substr(blank + 1);
+        typed = blank == std::string::npos ? "" : typed.substr(0, blank);
+        char words_out[4096] = "";
+        authmng_host_cli_complete(typed.c_str(), partial.c_str(), words_out, sizeof words_out);
+        fputs(words_out, out);
+    } else if (words == "bridge status") {
         auto v = [](const std::atomic<uint64_t> &x) { return x.load(std::memory_order_relaxed); };
         fprintf(out,
                 "interfaces attached: %u of %u\nevent lines: %" PRIu64 " (malformed %" PRIu64

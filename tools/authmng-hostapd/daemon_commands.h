@@ -22,6 +22,8 @@ void bind_command_words();
 // Runs one line on the command thread, its output into *output.
 //   bridge status          the bridge's counters
 //   bridge write-interval  write the interval rows now (as the timer would)
+//   bridge complete LINE   the keywords that may complete the partly typed
+//                          LINE, one a line (authmng-cli's tab key)
 authmng_cmd::Status run_daemon_command(const std::string &line, const BridgeCounters &counters,
                                        std::string *output);
 
