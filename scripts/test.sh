@@ -12,6 +12,8 @@
 #   clang  clang build with -Werror, all tests
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
 #   format every C and C++ source formatted as .clang-format says
+#   report the report of the simulator's day in headless Chromium: charts
+#          drawn, record filter working, hostile user names inert
 #   fuzz   libFuzzer targets (clang, ASan+UBSan), each run briefly over its
 #          seed corpus: AUTHMNG_FUZZ_SECONDS per target (default 20)
 #   e2e    authmng-hostapd on real 802.1X traffic (hostapd, wpa_supplicant,
@@ -19,7 +21,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-format main asan tsan clang mips fuzz e2e}
+stages=${AUTHMNG_STAGES:-format main report asan tsan clang mips fuzz e2e}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -32,6 +34,7 @@ done
 case " $stages " in *" clang "*) need clang ;; esac
 case " $stages " in *" fuzz "*) need clang; need libclang-rt-14-dev ;; esac
 case " $stages " in *" format "*) need clang-format ;; esac
+case " $stages " in *" report "*) need chromium ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
 case " $stages " in *" e2e "*)
     for p in hostapd wpasupplicant freeradius freeradius-utils tcpdump iproute2 ssl-cert \
@@ -102,6 +105,13 @@ stage_clang() {
 stage_format() {
     git -C "$root" ls-files '*.c' '*.cc' '*.h' | (cd "$root" && xargs clang-format --dry-run --Werror)
     echo "format: 1 passed, 0 failed"
+}
+
+# Reuses the main build when there is one.
+stage_report() {
+    cmake -S "$root" -B "$out" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build "$out" -j"$jobs" --target authmng-sim authmng-report
+    "$root/scripts/report-check.sh" "$out"
 }
 
 stage_mips() {
