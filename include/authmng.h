@@ -30,6 +30,13 @@
 #define AUTHMNG_API
 #endif
 
+/* Version of this header and of the library built from it. The library's
+ * soname carries the major version, which changes only when a name, a
+ * record layout or a contract changes incompatibly. */
+#define AUTHMNG_VERSION_MAJOR 1
+#define AUTHMNG_VERSION_MINOR 0
+#define AUTHMNG_VERSION_PATCH 0
+
 #ifdef __cplusplus
 extern "C" {
 #endif

@@ -11,13 +11,14 @@
 #   tsan   all tests (the stress tests among them) under ThreadSanitizer
 #   clang  clang build with -Werror, all tests
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
+#   armhf  32-bit little-endian ARM cross build, all tests under qemu-arm
 #   format every C and C++ source formatted as .clang-format says
 #   fuzz   libFuzzer targets (clang, ASan+UBSan), each run briefly over its
 #          seed corpus: AUTHMNG_FUZZ_SECONDS per target (default 20)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-format main asan tsan clang mips fuzz}
+stages=${AUTHMNG_STAGES:-format main asan tsan clang mips armhf fuzz}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -31,6 +32,7 @@ case " $stages " in *" clang "*) need clang ;; esac
 case " $stages " in *" fuzz "*) need clang; need libclang-rt-14-dev ;; esac
 case " $stages " in *" format "*) need clang-format ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
+case " $stages " in *" armhf "*) need g++-arm-linux-gnueabihf; need qemu-user ;; esac
 if ((${#packages[@]})); then
     export DEBIAN_FRONTEND=noninteractive
     apt-get update
@@ -50,7 +52,8 @@ run_stage() {
 configure_build_test() {
     local dir=$1
     shift
-    cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+    cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DAUTHMNG_WERROR=ON "$@" \
+        >/dev/null
     cmake --build "$dir" -j"$jobs"
     ctest --test-dir "$dir" --output-on-failure -j"$jobs"
 }
@@ -100,13 +103,18 @@ stage_mips() {
         -DAUTHMNG_BUILD_TOOLS=OFF
 }
 
+stage_armhf() {
+    configure_build_test "$out-armhf" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/arm-linux-gnueabihf.cmake" \
+        -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
 # Every fuzz target over its seed corpus and what it finds on the way. New
 # inputs go to a scratch directory, never into the checked-in corpus; a
 # failing input is kept as $out-fuzz/artifacts/<target>-crash-*.
 stage_fuzz() {
     local dir=$out-fuzz seconds=${AUTHMNG_FUZZ_SECONDS:-20} failed=0
     CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        -DAUTHMNG_BUILD_FUZZ=ON -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TESTS=OFF \
+        -DAUTHMNG_WERROR=ON -DAUTHMNG_BUILD_FUZZ=ON -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TESTS=OFF \
         -DAUTHMNG_BUILD_TOOLS=OFF >/dev/null
     cmake --build "$dir" -j"$jobs"
     mkdir -p "$dir/artifacts"
