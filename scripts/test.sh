@@ -17,12 +17,14 @@
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
 #   armhf  32-bit little-endian ARM cross build, all tests under qemu-arm
 #   format every C and C++ source formatted as .clang-format says
+#   report the report of the simulator's day in headless Chromium: charts
+#          drawn, record filter working, hostile user names inert
 #   fuzz   libFuzzer targets (clang, ASan+UBSan), each run briefly over its
 #          seed corpus: AUTHMNG_FUZZ_SECONDS per target (default 20)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-format main external asan tsan clang mips armhf fuzz}
+stages=${AUTHMNG_STAGES:-format main external report asan tsan clang mips armhf fuzz}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -35,6 +37,7 @@ done
 case " $stages " in *" clang "*) need clang ;; esac
 case " $stages " in *" fuzz "*) need clang; need libclang-rt-14-dev ;; esac
 case " $stages " in *" format "*) need clang-format ;; esac
+case " $stages " in *" report "*) need chromium ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
 case " $stages " in *" armhf "*) need g++-arm-linux-gnueabihf; need qemu-user ;; esac
 if ((${#packages[@]})); then
@@ -141,6 +144,14 @@ stage_format() {
     echo "format: 1 passed, 0 failed"
 }
 
+# Reuses the main build when there is one.
+stage_report() {
+    cmake -S "$root" -B "$out" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DAUTHMNG_WERROR=ON \
+        >/dev/null
+    cmake --build "$out" -j"$jobs" --target authmng-sim authmng-report
+    "$root/scripts/report-check.sh" "$out"
+}
+
 stage_mips() {
     configure_build_test "$out-mips" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mips-linux-gnu.cmake" \
         -DAUTHMNG_BUILD_TOOLS=OFF
@@ -157,8 +168,8 @@ stage_armhf() {
 stage_fuzz() {
     local dir=$out-fuzz seconds=${AUTHMNG_FUZZ_SECONDS:-20} failed=0
     CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        -DAUTHMNG_WERROR=ON -DAUTHMNG_BUILD_FUZZ=ON -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TESTS=OFF \
-        -DAUTHMNG_BUILD_TOOLS=OFF >/dev/null
+        -DAUTHMNG_WERROR=ON -DAUTHMNG_BUILD_FUZZ=ON -DAUTHMNG_SANITIZE=address,undefined \
+        -DAUTHMNG_BUILD_TESTS=OFF -DAUTHMNG_BUILD_TOOLS=OFF >/dev/null
     cmake --build "$dir" -j"$jobs"
     mkdir -p "$dir/artifacts"
     local target scratch options runs
