@@ -2,9 +2,11 @@
 // a failing clock and failing allocations. Each fault costs at most the
 // write it hits; the records, baselines and the abnormal list keep what
 // they held, and nothing crashes.
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -156,20 +158,24 @@ TEST_F(FaultTest, OverlongTmpdir) {
     expect_everything_written(AUTHMNG_CLIENT_WBA, 2);
 }
 
-// Files that are links to /dev/full: the open succeeds and the writes are
-// lost. That loses the rows of the write that hit it, as unchecked write
-// errors do, and nothing more: the next writes go on from there.
-TEST_F(FaultTest, WritesIntoAFullDevice) {
-    if (!exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+// A full disk, made by a file-size limit of 0 bytes (with the signal of an
+// oversized write ignored): the opens succeed and the writes are lost.
+// That loses the rows of the write that hit it, as unchecked write errors
+// do, and nothing more: the next writes go on from there.
+TEST_F(FaultTest, WritesIntoAFullDisk) {
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
-    for (const std::string &file : {flash_path(kDot1xAbnormal), tmp_path(kDot1xStatistic)}) {
-        ASSERT_EQ(symlink("/dev/full", file.c_str()), 0);
-    }
     fail(AUTHMNG_CLIENT_DOT1X, 0);
     fail(AUTHMNG_CLIENT_DOT1X, 1);
+    struct rlimit saved;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    struct rlimit full = {0, saved.rlim_max};
+    signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
     write_all(AUTHMNG_CLIENT_DOT1X);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &saved), 0);
     EXPECT_EQ(g_authmng_abnormal_record_num, 0u);  // drained into the lost write
     EXPECT_EQ(g_amg_d1x_tmp[0].auth_total, 2u);
+    EXPECT_EQ(read_file(flash_path(kDot1xAbnormal)), "");
     remove(flash_path(kDot1xAbnormal).c_str()), remove(tmp_path(kDot1xStatistic).c_str());
     fail(AUTHMNG_CLIENT_DOT1X, 2);
     write_all(AUTHMNG_CLIENT_DOT1X);
