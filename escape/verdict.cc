@@ -12,54 +12,59 @@ using namespace authmng;
 
 namespace {
 
+// The five totals in the order of the report.
+enum Total { kRedirectCount, kRedirectTime, kAuthCount, kAuthTime, kTimeoutCount, kTotals };
+
 // Increases of the five totals since the previous report.
-struct Increases {
-    uint32_t redirect_count;
-    uint32_t redirect_time;
-    uint32_t auth_count;
-    uint32_t auth_time;
-    uint32_t timeout_count;
-};
+using Increases = uint32_t[kTotals];
 
-// The increase of one total; the new total becomes the previous one. A
-// total that went down (the daemon restarted its totals, or a 32-bit total
-// passed its top) sets the wrapped flag and counts only its new value: the
-// period since a restart, or an understated period after a wrap, never a
-// wrap-around difference that a restart would turn into billions.
-uint32_t take_increase(uint32_t now, uint32_t &previous, uint8_t &wrapped) {
-    uint32_t before = previous;
-    previous = now;
-    if (now >= before) return now - before;
-    wrapped = 1;
-    return now;
-}
-
-// Moves the previous totals to this report's. true when the report only
-// sets the baseline: nothing went down so far and every previous total
-// was 0 (the first report, or the first after user escape was switched
-// off).
+// Moves the previous totals to this report's and takes the increases.
+// A report in which every non-zero previous total went down comes from a
+// restarted daemon: the increases are the new totals. A total that went
+// down while another did not passed its 32-bit top: its increase is the
+// difference modulo 2^32, the true one when it wrapped once. Either sets
+// the wrapped flag. A total that wrapped alone thus counts its true
+// increase and a restart the whole period since it. Only a restart whose
+// totals outgrew the old ones within one period, or every non-zero total
+// wrapping in the same period (taken for a restart), can still skew a
+// sample, either way.
+//
+// true when the report only sets the baseline: nothing went down so far
+// and every previous total was 0 (the first report, or the first after
+// user escape was switched off).
 bool take_increases(const authmng_check_input_t &now, Increases &inc) {
     authmng_info_record_t &prev = g_authmng_info_record;
-    bool no_history = prev.total_redirect_count == 0 && prev.total_redirect_time == 0 &&
-                      prev.total_auth_count == 0 && prev.total_auth_time == 0 &&
-                      prev.total_auth_timeout_count == 0;
-    inc.redirect_count =
-        take_increase(now.total_redirect_count, prev.total_redirect_count, prev.wrapped);
-    inc.redirect_time =
-        take_increase(now.total_redirect_time, prev.total_redirect_time, prev.wrapped);
-    inc.auth_count = take_increase(now.total_auth_count, prev.total_auth_count, prev.wrapped);
-    inc.auth_time = take_increase(now.total_auth_time, prev.total_auth_time, prev.wrapped);
-    inc.timeout_count =
-        take_increase(now.total_auth_timeout_count, prev.total_auth_timeout_count, prev.wrapped);
+    uint32_t *previous[kTotals] = {&prev.total_redirect_count, &prev.total_redirect_time,
+                                   &prev.total_auth_count, &prev.total_auth_time,
+                                   &prev.total_auth_timeout_count};
+    const uint32_t current[kTotals] = {now.total_redirect_count, now.total_redirect_time,
+                                       now.total_auth_count, now.total_auth_time,
+                                       now.total_auth_timeout_count};
+    bool no_history = true, any_down = false, every_down = true;
+    for (int t = 0; t < kTotals; ++t) {
+        uint32_t before = *previous[t];
+        no_history = no_history && before == 0;
+        if (current[t] < before) {
+            any_down = true;
+        } else if (before != 0) {
+            every_down = false;
+        }
+    }
+    bool restarted = any_down && every_down;
+    for (int t = 0; t < kTotals; ++t) {
+        inc[t] = restarted ? current[t] : current[t] - *previous[t];
+        *previous[t] = current[t];
+    }
+    if (any_down) prev.wrapped = 1;
     return prev.wrapped == 0 && no_history;
 }
 
 // Redirect, auth, authtimeout.
 void run_checks(const Increases &inc, authmng_check_result_t &verdict) {
-    const uint32_t values[kCheckTypes] = {inc.redirect_time, inc.auth_time, inc.timeout_count};
+    const uint32_t values[kCheckTypes] = {inc[kRedirectTime], inc[kAuthTime], inc[kTimeoutCount]};
     const uint32_t counts[kCheckTypes] = {
-        inc.redirect_count, inc.auth_count,
-        static_cast<uint32_t>(inc.auth_count + inc.timeout_count)};
+        inc[kRedirectCount], inc[kAuthCount],
+        static_cast<uint32_t>(inc[kAuthCount] + inc[kTimeoutCount])};
     escape_run_checks(values, counts, verdict);
 }
 
