@@ -12,6 +12,7 @@
 #include "core/abnormal_list.h"
 #include "core/local_time.h"
 #include "core/lock.h"
+#include "core/user_name.h"
 #include "dot1x/record.h"
 
 namespace {
@@ -47,17 +48,17 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
     const char *reason = info.event == D1X_OFFLINE
                              ? authmng_dot1x_offline_reason_str(info.offline_reason)
                              : authmng_dot1x_auth_reason_str(info.result);
-    const int user_length = static_cast<int>(strnlen(info.username, sizeof info.username));
+    const authmng::PrintableName user(info.username, authmng::PrintableName::kTerminal);
     cli_printf(
         "%02d.%02d %02d:%02d:%02d %-14s %-10u %-5u %-6u %-7u %-4u %-4u %-11s %-18s %-3ddBm %-5d "
-        "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10.*s\n",
+        "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10s\n",
         when.tm_mon + 1, when.tm_mday, when.tm_hour, when.tm_min, when.tm_sec, mac, info.auth_time,
         unsigned{info.aaa_timeout}, unsigned{info.requestid_timeout},
         unsigned{info.request_timeout}, unsigned{info.rsna_notify}, unsigned{info.start_notify},
         authmng_dot1x_event_str(info.event), reason, info.rssi, static_cast<int32_t>(info.sta_time),
         static_cast<int32_t>(info.self_time), static_cast<int32_t>(info.aaa_time),
         static_cast<int32_t>(info.rds_time), static_cast<int32_t>(info.rds_srv_time), info.aaa_code,
-        info.rds_code, int{info.dismatch_id}, int{info.logoff}, user_length, info.username);
+        info.rds_code, int{info.dismatch_id}, int{info.logoff}, user.text());
 }
 
 }  // namespace

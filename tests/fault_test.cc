@@ -49,10 +49,10 @@ size_t occurrences(const std::string &text, const std::string &part) {
 class FaultTest : public AuthmngTest {
 protected:
     // A failed authentication of the client (counted, queued as abnormal)
-    // under the name "user<n>," (the comma keeps user1 from matching user12).
+    // under the name "user<n>." (the dot keeps user1 from matching user12).
     static void fail(int32_t client, int n) {
         authmng_auth_info_t info = event_record(client, 0, client == AUTHMNG_CLIENT_WBA ? 3 : 5);
-        snprintf(info.username, sizeof info.username, "user%d,", n);
+        snprintf(info.username, sizeof info.username, "user%d.", n);
         authmng_notify_auth_info(&info);
     }
     static void write_all(int32_t client) {
@@ -75,7 +75,7 @@ protected:
         EXPECT_EQ(column_sum(rows, web ? 2 : 3, web ? "" : "dot1x"), uint64_t(events));
         std::string abnormal = read_file(flash_path(web ? kWebauthAbnormal : kDot1xAbnormal));
         for (int n = 0; n < events; ++n) {
-            EXPECT_EQ(occurrences(abnormal, "user" + std::to_string(n) + ","), n < first ? 0u : 1u)
+            EXPECT_EQ(occurrences(abnormal, "user" + std::to_string(n) + "."), n < first ? 0u : 1u)
                 << n;
         }
         EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
@@ -181,7 +181,7 @@ TEST_F(FaultTest, WritesIntoAFullDisk) {
     write_all(AUTHMNG_CLIENT_DOT1X);
     std::string rows = read_file(flash_path(kDot1xAbnormal));
     EXPECT_EQ(count_lines(rows), 2u);  // the header and user2
-    EXPECT_NE(rows.find(",user2,,"), std::string::npos);
+    EXPECT_NE(rows.find(",user2.,"), std::string::npos);
     EXPECT_EQ(column_sum(read_file(tmp_path(kDot1xStatistic)), 3, "dot1x"), 1u);
 }
 
@@ -209,7 +209,7 @@ TEST_F(FaultTest, FailingClock) {
     fail(AUTHMNG_CLIENT_WBA, 1);
     authmng_write_webauth_abnormal_record_to_file();
     std::string rows = read_file(flash_path(kWebauthAbnormal));
-    EXPECT_EQ(occurrences(rows, ",user0,") + 2 * occurrences(rows, ",user1,"), 2u);
+    EXPECT_EQ(occurrences(rows, ",user0.,") + 2 * occurrences(rows, ",user1.,"), 2u);
 }
 
 // Allocations fail from the n-th of a round of one event and every write
