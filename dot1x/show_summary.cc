@@ -10,10 +10,13 @@
 #include "authmng.h"
 #include "authmng_platform.h"
 #include "core/abnormal_list.h"
+#include "core/display_output.h"
 #include "core/local_time.h"
 #include "core/lock.h"
 #include "core/user_name.h"
 #include "dot1x/record.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -49,7 +52,7 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
                              ? authmng_dot1x_offline_reason_str(info.offline_reason)
                              : authmng_dot1x_auth_reason_str(info.result);
     const authmng::PrintableName user(info.username, authmng::PrintableName::kTerminal);
-    cli_printf(
+    display_printf(
         "%02d.%02d %02d:%02d:%02d %-14s %-10u %-5u %-6u %-7u %-4u %-4u %-11s %-18s %-3ddBm %-5d "
         "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10s\n",
         when.tm_mon + 1, when.tm_mday, when.tm_hour, when.tm_min, when.tm_sec, mac, info.auth_time,
@@ -65,6 +68,7 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
 
 extern "C" void authmng_show_dot1x_statistic_telnet(uint32_t index) {
     if (index >= AUTHMNG_D1X_METHOD_NUM) return;
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const authmng_dot1x_stat_t &s = g_amg_d1x[index];
 
@@ -79,25 +83,26 @@ extern "C" void authmng_show_dot1x_statistic_telnet(uint32_t index) {
     }
     const uint64_t *whole = s.range[AUTHMNG_RANGE_AUTH].count;
 
-    cli_printf("{\n");
-    cli_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
-    cli_printf("    \"auth_total\": %" PRIu64 ",\n", rate_base);
-    cli_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
-               s.old_online_number + s.auth_result[0]);
-    cli_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
-    cli_printf("    \"offline_total\": %" PRIu64 ",\n", offline_total);
-    cli_printf("    \"offline_by_auth\": %" PRIu64 ",\n", by_auth);
-    cli_printf("    \"auth_range_1000\": %d,\n", low_i32(whole[0]));
-    cli_printf("    \"auth_range_3000\": %d,\n", low_i32(whole[1]));
-    cli_printf("    \"auth_range_other\": %d\n", low_i32(whole[2]));
-    cli_printf("}\n");
-    cli_printf("\n");
+    display_printf("{\n");
+    display_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
+    display_printf("    \"auth_total\": %" PRIu64 ",\n", rate_base);
+    display_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
+                   s.old_online_number + s.auth_result[0]);
+    display_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
+    display_printf("    \"offline_total\": %" PRIu64 ",\n", offline_total);
+    display_printf("    \"offline_by_auth\": %" PRIu64 ",\n", by_auth);
+    display_printf("    \"auth_range_1000\": %d,\n", low_i32(whole[0]));
+    display_printf("    \"auth_range_3000\": %d,\n", low_i32(whole[1]));
+    display_printf("    \"auth_range_other\": %d\n", low_i32(whole[2]));
+    display_printf("}\n");
+    display_printf("\n");
 }
 
 extern "C" void authmng_show_dot1x_statistic_abnormal(uint32_t filter) {
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
-    cli_printf("%s", kAbnormalHeader);
-    cli_printf("%s", kAbnormalRule);
+    display_printf("%s", kAbnormalHeader);
+    display_printf("%s", kAbnormalRule);
     authmng::abnormal_list_for_each([filter](const authmng_abnormal_node_t &node) {
         if (filter == AUTHMNG_ABNORMAL_FILTER_ALL || node.info.event == filter) {
             print_abnormal_row(node);
