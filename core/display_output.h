@@ -10,10 +10,11 @@
 //
 // display_printf appends to the innermost DeferredDisplay of the calling
 // thread; with none it prints at once. The text printed is the same bytes
-// either way, one cli_printf per line.
+// either way, in pieces of whole lines.
 #ifndef AUTHMNG_CORE_DISPLAY_OUTPUT_H
 #define AUTHMNG_CORE_DISPLAY_OUTPUT_H
 
+#include <cstdarg>
 #include <cstddef>
 
 namespace authmng {
@@ -25,11 +26,15 @@ public:
     DeferredDisplay(const DeferredDisplay &) = delete;
     DeferredDisplay &operator=(const DeferredDisplay &) = delete;
 
-    // Appends text of length bytes. Without memory for it, prints what is
-    // held and the text at once (the order stays) and keeps printing so.
+    // Appends text of length bytes, or formatted text. Without memory for
+    // it, prints what is held and the text at once (the order stays) and
+    // keeps printing so.
     void append(const char *text, std::size_t length);
+    void vprintf(const char *fmt, va_list args) __attribute__((format(printf, 2, 0)));
 
 private:
+    // Room for more bytes and a terminator; false once printing at once.
+    bool reserve(std::size_t more);
     void print_held();
 
     DeferredDisplay *outer_;

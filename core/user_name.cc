@@ -1,5 +1,6 @@
 #include "core/user_name.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace authmng {
@@ -51,19 +52,22 @@ void append_escaped(const char *name, std::size_t length, bool double_quotes, ch
 
 }  // namespace
 
-PrintableName::PrintableName(const char (&field)[AUTHMNG_USERNAME_LEN], Sink sink) {
+const char *printable_name(const char (&field)[AUTHMNG_USERNAME_LEN], NameSink sink) {
+    // Every byte as \xNN, the two quotes, the leading '\'' and the terminator.
+    thread_local char text[4 * AUTHMNG_USERNAME_LEN + 4];
     std::size_t length = strnlen(field, sizeof field);
     std::size_t at = 0;
-    if (sink == kTerminal) {
-        append_escaped(field, length, false, text_, at);
+    if (sink == NameSink::kTerminal) {
+        append_escaped(field, length, false, text, at);
     } else {
         bool quoted = needs_quotes(field, length);
-        if (quoted) text_[at++] = '"';
-        if (looks_like_formula(field, length)) text_[at++] = '\'';
-        append_escaped(field, length, quoted, text_, at);
-        if (quoted) text_[at++] = '"';
+        if (quoted) text[at++] = '"';
+        if (looks_like_formula(field, length)) text[at++] = '\'';
+        append_escaped(field, length, quoted, text, at);
+        if (quoted) text[at++] = '"';
     }
-    text_[at] = '\0';
+    text[at] = '\0';
+    return text;
 }
 
 }  // namespace authmng

@@ -14,26 +14,16 @@
 #ifndef AUTHMNG_CORE_USER_NAME_H
 #define AUTHMNG_CORE_USER_NAME_H
 
-#include <cstddef>
-
 #include "authmng.h"
 
 namespace authmng {
 
-class PrintableName {
-public:
-    enum Sink { kTerminal, kCsv };
+enum class NameSink { kTerminal, kCsv };
 
-    // The name is read up to its terminator, at most the whole field.
-    PrintableName(const char (&field)[AUTHMNG_USERNAME_LEN], Sink sink);
-
-    const char *text() const { return text_; }
-
-private:
-    // Every byte as \xNN, the two quotes and the leading '\''.
-    static constexpr std::size_t kTextSize = 4 * AUTHMNG_USERNAME_LEN + 4;
-    char text_[kTextSize];
-};
+// The name in the field (read up to its terminator, at most the whole
+// field) as the sink prints it. The text lives in a buffer of the calling
+// thread that its next call reuses.
+const char *printable_name(const char (&field)[AUTHMNG_USERNAME_LEN], NameSink sink);
 
 }  // namespace authmng
 

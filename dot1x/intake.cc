@@ -175,7 +175,7 @@ void authmng_notify_dot1x_info_auth(uint32_t method, authmng_dot1x_stat_t &recor
         uint32_t sum = record.auth_avg_time * static_cast<uint32_t>(n - 1) + t;
         if (n != 0) record.auth_avg_time = average(sum, n);
         AUTHMNG_EVENT_DBG("user(%s)1x auth time: %u.\n",
-                          PrintableName(info->username, PrintableName::kTerminal).text(), t);
+                          printable_name(info->username, NameSink::kTerminal), t);
         AUTHMNG_EVENT_DBG("auth_time: %ums, su_total: %ums, su_result: %" PRIu64 "\n", t, sum, n);
     }
 

@@ -51,7 +51,6 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
     const char *reason = info.event == D1X_OFFLINE
                              ? authmng_dot1x_offline_reason_str(info.offline_reason)
                              : authmng_dot1x_auth_reason_str(info.result);
-    const authmng::PrintableName user(info.username, authmng::PrintableName::kTerminal);
     display_printf(
         "%02d.%02d %02d:%02d:%02d %-14s %-10u %-5u %-6u %-7u %-4u %-4u %-11s %-18s %-3ddBm %-5d "
         "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10s\n",
@@ -61,7 +60,8 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
         authmng_dot1x_event_str(info.event), reason, info.rssi, static_cast<int32_t>(info.sta_time),
         static_cast<int32_t>(info.self_time), static_cast<int32_t>(info.aaa_time),
         static_cast<int32_t>(info.rds_time), static_cast<int32_t>(info.rds_srv_time), info.aaa_code,
-        info.rds_code, int{info.dismatch_id}, int{info.logoff}, user.text());
+        info.rds_code, int{info.dismatch_id}, int{info.logoff},
+        authmng::printable_name(info.username, authmng::NameSink::kTerminal));
 }
 
 }  // namespace

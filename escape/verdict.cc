@@ -12,11 +12,35 @@ using namespace authmng;
 
 namespace {
 
-// The five totals in the order of the report.
-enum Total { kRedirectCount, kRedirectTime, kAuthCount, kAuthTime, kTimeoutCount, kTotals };
-
 // Increases of the five totals since the previous report.
-using Increases = uint32_t[kTotals];
+struct Increases {
+    uint32_t redirect_count;
+    uint32_t redirect_time;
+    uint32_t auth_count;
+    uint32_t auth_time;
+    uint32_t timeout_count;
+};
+
+// What the five totals of a report did against the previous ones: whether
+// any previous total was non-zero, any went down, and any non-zero one did
+// not go down.
+struct Trend {
+    bool history = false;
+    bool down = false;
+    bool kept = false;
+    void add(uint32_t before, uint32_t now) {
+        history |= before != 0;
+        down |= now < before;
+        kept |= before != 0 && now >= before;
+    }
+};
+
+// The increase of one total; the new total becomes the previous one.
+uint32_t take_increase(uint32_t now, uint32_t &previous, bool restarted) {
+    uint32_t increase = restarted ? now : now - previous;
+    previous = now;
+    return increase;
+}
 
 // Moves the previous totals to this report's and takes the increases.
 // A report in which every non-zero previous total went down comes from a
@@ -34,37 +58,30 @@ using Increases = uint32_t[kTotals];
 // user escape was switched off).
 bool take_increases(const authmng_check_input_t &now, Increases &inc) {
     authmng_info_record_t &prev = g_authmng_info_record;
-    uint32_t *previous[kTotals] = {&prev.total_redirect_count, &prev.total_redirect_time,
-                                   &prev.total_auth_count, &prev.total_auth_time,
-                                   &prev.total_auth_timeout_count};
-    const uint32_t current[kTotals] = {now.total_redirect_count, now.total_redirect_time,
-                                       now.total_auth_count, now.total_auth_time,
-                                       now.total_auth_timeout_count};
-    bool no_history = true, any_down = false, every_down = true;
-    for (int t = 0; t < kTotals; ++t) {
-        uint32_t before = *previous[t];
-        no_history = no_history && before == 0;
-        if (current[t] < before) {
-            any_down = true;
-        } else if (before != 0) {
-            every_down = false;
-        }
-    }
-    bool restarted = any_down && every_down;
-    for (int t = 0; t < kTotals; ++t) {
-        inc[t] = restarted ? current[t] : current[t] - *previous[t];
-        *previous[t] = current[t];
-    }
-    if (any_down) prev.wrapped = 1;
-    return prev.wrapped == 0 && no_history;
+    Trend trend;
+    trend.add(prev.total_redirect_count, now.total_redirect_count);
+    trend.add(prev.total_redirect_time, now.total_redirect_time);
+    trend.add(prev.total_auth_count, now.total_auth_count);
+    trend.add(prev.total_auth_time, now.total_auth_time);
+    trend.add(prev.total_auth_timeout_count, now.total_auth_timeout_count);
+    const bool restarted = trend.down && !trend.kept;
+    inc.redirect_count =
+        take_increase(now.total_redirect_count, prev.total_redirect_count, restarted);
+    inc.redirect_time = take_increase(now.total_redirect_time, prev.total_redirect_time, restarted);
+    inc.auth_count = take_increase(now.total_auth_count, prev.total_auth_count, restarted);
+    inc.auth_time = take_increase(now.total_auth_time, prev.total_auth_time, restarted);
+    inc.timeout_count =
+        take_increase(now.total_auth_timeout_count, prev.total_auth_timeout_count, restarted);
+    if (trend.down) prev.wrapped = 1;
+    return prev.wrapped == 0 && !trend.history;
 }
 
 // Redirect, auth, authtimeout.
 void run_checks(const Increases &inc, authmng_check_result_t &verdict) {
-    const uint32_t values[kCheckTypes] = {inc[kRedirectTime], inc[kAuthTime], inc[kTimeoutCount]};
+    const uint32_t values[kCheckTypes] = {inc.redirect_time, inc.auth_time, inc.timeout_count};
     const uint32_t counts[kCheckTypes] = {
-        inc[kRedirectCount], inc[kAuthCount],
-        static_cast<uint32_t>(inc[kAuthCount] + inc[kTimeoutCount])};
+        inc.redirect_count, inc.auth_count,
+        static_cast<uint32_t>(inc.auth_count + inc.timeout_count)};
     escape_run_checks(values, counts, verdict);
 }
 

@@ -38,18 +38,18 @@ void print_abnormal_record(const authmng_abnormal_node_t &node) {
     struct in_addr address;
     address.s_addr = info.ip;
     inet_ntop(AF_INET, &address, ip, sizeof ip);
-    const authmng::PrintableName user(info.username, authmng::PrintableName::kTerminal);
     display_printf(
         "\n%susername(%s),mac(%02x%02x.%02x%02x.%02x%02x),ip(%s),ack_time(%u),auth_time(%u),"
         "scc_time(%u),acct_time(%u),portal_time(%u),auth_aaa_time(%u),auth_rds_time(%u),"
         "auth_rds_svr_time(%u),acct_aaa_time(%u),acct_rds_time(%u),acct_rds_svr_time(%u),"
         "wba_code(%u),wba_state(%u),wba_event(%u),aaa_auth_code(%d),rds_auth_code(%d),"
         "aaa_acct_code(%d),rds_acct_code(%d).\n",
-        when, user.text(), info.mac[0], info.mac[1], info.mac[2], info.mac[3], info.mac[4],
-        info.mac[5], ip, info.ack_time, info.auth_time, info.scc_time, info.acct_time,
-        info.portal_time, info.aaa_time, info.rds_time, info.rds_srv_time, info.acct_aaa_time,
-        info.acct_rds_time, info.acct_rds_svr_time, info.result, info.wba_state, info.wba_event,
-        info.aaa_code, info.rds_code, info.aaa_acct_code, info.rds_acct_code);
+        when, authmng::printable_name(info.username, authmng::NameSink::kTerminal), info.mac[0],
+        info.mac[1], info.mac[2], info.mac[3], info.mac[4], info.mac[5], ip, info.ack_time,
+        info.auth_time, info.scc_time, info.acct_time, info.portal_time, info.aaa_time,
+        info.rds_time, info.rds_srv_time, info.acct_aaa_time, info.acct_rds_time,
+        info.acct_rds_svr_time, info.result, info.wba_state, info.wba_event, info.aaa_code,
+        info.rds_code, info.aaa_acct_code, info.rds_acct_code);
 }
 
 inline int as_signed(uint32_t value) {
