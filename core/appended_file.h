@@ -1,5 +1,7 @@
-// The one helper for every appended CSV and log file: open for appending,
-// take the size, empty the file and write the header when it has grown past
+// The one helper for every appended CSV and log file: open for appending
+// (never through a symbolic link, and only a regular file of the effective
+// user with a single name; anything else is left untouched and the object
+// tests false), take the size, empty the file and write the header when it has grown past
 // its limit, write the header on an empty file. Closed when it goes out of
 // scope. Write errors of the stream are not checked (a full disk loses the
 // rows of that write only).

@@ -29,10 +29,16 @@ uint32_t g_authmng_authtime_abnormal_value = 0;
 uint32_t g_authmng_abnormal_record_num = 0;
 authmng_list_head_t g_authmng_auth_abnormal_record_list = {&g_authmng_auth_abnormal_record_list,
                                                            &g_authmng_auth_abnormal_record_list};
+// Recursive from the moment the library is loaded: a daemon may take it
+// (the web-auth start-up does) before authmng_init, which therefore leaves
+// it as it is.
 #ifdef PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP
 pthread_mutex_t g_authmng_mtx = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
 #else
 pthread_mutex_t g_authmng_mtx = PTHREAD_MUTEX_INITIALIZER;
+__attribute__((constructor)) static void authmng_make_mtx_recursive(void) {
+    authmng_init_mtx(&g_authmng_mtx);
+}
 #endif
 pthread_t g_authmng_timer_thread;
 uint32_t g_authmng_statistic_reverse = 0;

@@ -137,7 +137,6 @@ extern "C" int32_t authmng_init(const authmng_reg_t *reg) {
                                                   : start_cpp();
     if (!started) return -1;
 
-    authmng_init_mtx(&g_authmng_mtx);
     abnormal_list_reset();
     store_relaxed(g_authmng_write_tmp_clock, kWriteTmpClockDefault);
     if (pthread_create(&g_authmng_timer_thread, nullptr, authmng_timer_task, nullptr) != 0) {

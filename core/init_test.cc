@@ -158,11 +158,15 @@ TEST_F(InitTest, ARegularFileInTheWayFailsTheDirectoryStep) {
     EXPECT_EQ(take_syslog(), "3 AUTHMNG AUTHMNG_CREATE_DIR 3: Failed to create dot1x dir.\r\n");
 }
 
-TEST_F(InitTest, MutexIsRecursiveAfterStartUp) {
-    ASSERT_EQ(start(AUTHMNG_CLIENT_CPP), 0);
+// Recursive before start-up, which a daemon may run while holding it;
+// start-up leaves it as it is.
+TEST_F(InitTest, MutexIsRecursiveFromTheStart) {
     ASSERT_EQ(pthread_mutex_lock(&g_authmng_mtx), 0);
     EXPECT_EQ(pthread_mutex_trylock(&g_authmng_mtx), 0);
-    pthread_mutex_unlock(&g_authmng_mtx);
+    ASSERT_EQ(start(AUTHMNG_CLIENT_CPP), 0);
+    EXPECT_EQ(pthread_mutex_unlock(&g_authmng_mtx), 0);
+    EXPECT_EQ(pthread_mutex_unlock(&g_authmng_mtx), 0);
+    EXPECT_EQ(pthread_mutex_trylock(&g_authmng_mtx), 0);  // free again
     pthread_mutex_unlock(&g_authmng_mtx);
     EXPECT_EQ(authmng_init_mtx(nullptr), -1);  // no mutex to set up: refused
 }

@@ -1,5 +1,6 @@
 // Full paths in the temporary and flash areas, and directory chains.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -33,6 +34,35 @@ void append_bounded(char *chain, const char *text) {
     strncat(chain, text, static_cast<size_t>(kPathLimit) - used);
 }
 
+bool trusted_owner(uid_t owner) {
+    return owner == 0 || owner == geteuid();
+}
+
+// 0 when the existing directory may hold the library's files, otherwise
+// the error number its creation fails with: ENOTDIR for anything but a
+// directory, EPERM for a directory another account owns or may fill
+// (writable by others and not sticky). A symbolic link counts as the
+// directory it names only when root or this user made it: one another
+// account left in a shared area is refused.
+int untrusted_directory(const char *chain) {
+    // Without its trailing "/", which would make lstat follow a link.
+    char path[kPathBufferSize];
+    size_t length = strnlen(chain, kPathLimit);
+    while (length > 1 && chain[length - 1] == '/') --length;
+    memcpy(path, chain, length);
+    path[length] = '\0';
+    struct stat st;
+    if (lstat(path, &st) != 0) return errno;
+    if (S_ISLNK(st.st_mode)) {
+        if (!trusted_owner(st.st_uid)) return EPERM;
+        if (stat(path, &st) != 0) return errno;
+    }
+    if (!S_ISDIR(st.st_mode)) return ENOTDIR;
+    if (!trusted_owner(st.st_uid)) return EPERM;
+    if ((st.st_mode & S_IWOTH) != 0 && (st.st_mode & S_ISVTX) == 0) return EPERM;
+    return 0;
+}
+
 }  // namespace
 }  // namespace authmng
 
@@ -63,7 +93,10 @@ extern "C" int authmng_create_dir(const char *relative, unsigned char flash) {
          part = strtok_r(nullptr, "/", &saved)) {
         append_bounded(chain, part);
         append_bounded(chain, "/");
-        if (mkdir(chain, 0777) != 0 && errno != EEXIST) return errno;
+        if (mkdir(chain, 0777) == 0) continue;
+        if (errno != EEXIST) return errno;
+        int refused = untrusted_directory(chain);
+        if (refused != 0) return refused;
     }
     return 0;
 }

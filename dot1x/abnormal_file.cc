@@ -15,6 +15,7 @@
 #include "core/log.h"
 #include "core/memory.h"
 #include "core/paths.h"
+#include "core/user_name.h"
 
 using namespace authmng;
 
@@ -57,13 +58,12 @@ void format_row(const authmng_abnormal_node_t &node, char *row) {
     mac_text(info.mac, mac);
     char ip[INET_ADDRSTRLEN];
     ip_text(info.ip, ip, sizeof ip);
-    int name_length = static_cast<int>(strnlen(info.username, sizeof info.username));
     snprintf(row, kRowBufferSize,
-             "%02d.%02d %02d:%02d:%02d,%.*s,%s,%s,%u,%u,%u,%u,%u,%u,%s,%s,%d,%u,%u,%u,%u,%u,%d,%d,"
+             "%02d.%02d %02d:%02d:%02d,%s,%s,%s,%u,%u,%u,%u,%u,%u,%s,%s,%d,%u,%u,%u,%u,%u,%d,%d,"
              "%u,%u\n",
-             t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, name_length, info.username,
-             mac, ip, info.auth_time, static_cast<unsigned>(info.aaa_timeout),
-             static_cast<unsigned>(info.requestid_timeout),
+             t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec,
+             printable_name(info.username, NameSink::kCsv), mac, ip, info.auth_time,
+             static_cast<unsigned>(info.aaa_timeout), static_cast<unsigned>(info.requestid_timeout),
              static_cast<unsigned>(info.request_timeout), static_cast<unsigned>(info.rsna_notify),
              static_cast<unsigned>(info.start_notify), authmng_dot1x_event_str(info.event),
              reason_text(info), info.rssi, info.sta_time, info.self_time, info.aaa_time,

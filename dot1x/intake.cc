@@ -23,6 +23,7 @@
 #include "core/lock.h"
 #include "core/log.h"
 #include "core/relaxed.h"
+#include "core/user_name.h"
 #include "dot1x/ranges.h"
 #include "dot1x/record.h"
 
@@ -86,10 +87,6 @@ struct Block {
 // Signal-strength sums wrap modulo 2^32.
 void add_rssi(int32_t &sum, int32_t rssi) {
     sum = static_cast<int32_t>(static_cast<uint32_t>(sum) + static_cast<uint32_t>(rssi));
-}
-
-int username_length(const authmng_auth_info_t &info) {
-    return static_cast<int>(strnlen(info.username, sizeof info.username));
 }
 
 // part * 100 / whole, truncated. When both fit in 32 bits the quotient is
@@ -177,8 +174,8 @@ void authmng_notify_dot1x_info_auth(uint32_t method, authmng_dot1x_stat_t &recor
         uint32_t t = info->auth_time;
         uint32_t sum = record.auth_avg_time * static_cast<uint32_t>(n - 1) + t;
         if (n != 0) record.auth_avg_time = average(sum, n);
-        AUTHMNG_EVENT_DBG("user(%.*s)1x auth time: %u.\n", username_length(*info), info->username,
-                          t);
+        AUTHMNG_EVENT_DBG("user(%s)1x auth time: %u.\n",
+                          printable_name(info->username, NameSink::kTerminal), t);
         AUTHMNG_EVENT_DBG("auth_time: %ums, su_total: %ums, su_result: %" PRIu64 "\n", t, sum, n);
     }
 

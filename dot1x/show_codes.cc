@@ -8,8 +8,11 @@
 
 #include "authmng.h"
 #include "authmng_platform.h"
+#include "core/display_output.h"
 #include "core/lock.h"
 #include "dot1x/record.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -30,8 +33,8 @@ constexpr LineStyle kDetailLine = {1, 40, "."};
 void print_code_lines(const uint64_t *counters, CodeTextFn text, authmng::CodeSpan codes,
                       const LineStyle &style) {
     for (uint32_t code = codes.first; code <= codes.last; ++code) {
-        cli_printf("%*s%-*s: %" PRIu64 "%s\n", style.indent, "", style.width, text(code),
-                   counters[code], style.end);
+        display_printf("%*s%-*s: %" PRIu64 "%s\n", style.indent, "", style.width, text(code),
+                       counters[code], style.end);
     }
 }
 
@@ -85,26 +88,28 @@ constexpr GroupDetail kOfflineDetail = {
 
 void show_group_detail(uint32_t index, const GroupDetail &detail) {
     if (index >= AUTHMNG_D1X_METHOD_NUM) return;
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const uint64_t *counters = g_amg_d1x[index].*detail.counters;
     for (uint32_t group = 0; group < kGroupCount; ++group) {
-        cli_printf("%s", detail.headings[group]);
+        display_printf("%s", detail.headings[group]);
         print_code_lines(counters, detail.text, kGroupCodes[group], kDetailLine);
     }
-    cli_printf("\n");
+    display_printf("\n");
 }
 
 }  // namespace
 
 extern "C" void authmng_show_dot1x_statistic_fail(uint32_t index) {
     if (index >= AUTHMNG_D1X_METHOD_NUM) return;
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     for (const FailureSection &section : kFailureSections) {
-        cli_printf("%s", section.heading);
+        display_printf("%s", section.heading);
         print_code_lines(g_amg_d1x[index].*section.counters, section.text, section.codes,
                          kFailureLine);
     }
-    cli_printf("\n");
+    display_printf("\n");
 }
 
 extern "C" void authmng_show_dot1x_auth_detail(uint32_t index) {

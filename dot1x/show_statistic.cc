@@ -7,8 +7,11 @@
 
 #include "authmng.h"
 #include "authmng_platform.h"
+#include "core/display_output.h"
 #include "core/lock.h"
 #include "dot1x/record.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -76,13 +79,13 @@ constexpr ComponentBlock kComponents[] = {
 };
 
 void print_online(const authmng_dot1x_stat_t &s, const char *method) {
-    cli_printf("\nshow %s authentication information:\n", method);
-    cli_printf(" %s current online number:..................%" PRIu64 ".\n", method,
-               s.current_online_number);
-    cli_printf(" %s historical max online number:...........%" PRIu64 ".\n", method,
-               s.max_online_number);
-    cli_printf(" %s aggregate online number:................%" PRIu64 ".\n", method,
-               s.old_online_number + s.auth_result[0]);
+    display_printf("\nshow %s authentication information:\n", method);
+    display_printf(" %s current online number:..................%" PRIu64 ".\n", method,
+                   s.current_online_number);
+    display_printf(" %s historical max online number:...........%" PRIu64 ".\n", method,
+                   s.max_online_number);
+    display_printf(" %s aggregate online number:................%" PRIu64 ".\n", method,
+                   s.old_online_number + s.auth_result[0]);
 }
 
 void print_authentication(const authmng_dot1x_stat_t &s, const char *method) {
@@ -94,31 +97,31 @@ void print_authentication(const authmng_dot1x_stat_t &s, const char *method) {
     const uint64_t roam = span_sum(result, authmng::kRoamCodes);
     const uint64_t wireless = result[1] + result[2] + stamg + rsna + roam;
 
-    cli_printf("\n%s authentication statistic:\n", method);
-    cli_printf(" authentication number:........................%" PRIu64 ".\n", s.auth_total);
-    cli_printf(" authentication success:.......................%" PRIu64 ".\n", result[0]);
-    cli_printf(" authentication success rate:..................%u%%.\n",
-               low_u32(ratio(result[0] * 100, rate_base)));
-    cli_printf(" wireless foundation factor:....................%u%%.\n",
-               low_u32(ratio(wireless * 100, s.auth_total)));
+    display_printf("\n%s authentication statistic:\n", method);
+    display_printf(" authentication number:........................%" PRIu64 ".\n", s.auth_total);
+    display_printf(" authentication success:.......................%" PRIu64 ".\n", result[0]);
+    display_printf(" authentication success rate:..................%u%%.\n",
+                   low_u32(ratio(result[0] * 100, rate_base)));
+    display_printf(" wireless foundation factor:....................%u%%.\n",
+                   low_u32(ratio(wireless * 100, s.auth_total)));
     for (uint32_t code = 1; code <= 2; ++code) {
-        cli_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code), result[code]);
+        display_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code), result[code]);
     }
-    cli_printf("  auth fail by stamg                       : %" PRIu64 "\n", stamg);
-    cli_printf("  auth fail by rsna                        : %" PRIu64 "\n", rsna);
-    cli_printf("  auth fail by roam                        : %" PRIu64 "\n", roam);
-    cli_printf(" adjust authentication success rate:...........%u%%.\n",
-               low_u32(ratio(result[0] * 100, rate_base - wireless)));
+    display_printf("  auth fail by stamg                       : %" PRIu64 "\n", stamg);
+    display_printf("  auth fail by rsna                        : %" PRIu64 "\n", rsna);
+    display_printf("  auth fail by roam                        : %" PRIu64 "\n", roam);
+    display_printf(" adjust authentication success rate:...........%u%%.\n",
+                   low_u32(ratio(result[0] * 100, rate_base - wireless)));
     for (uint32_t code = kFirstListedFailure; code <= kLastListedFailure; ++code) {
-        cli_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code), result[code]);
+        display_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code), result[code]);
     }
-    cli_printf("  other                                    : %" PRIu64 "\n",
-               result[authmng::kOtherReasonCode]);
-    cli_printf(" authentication success rssi avgvalue:.........%ddBm.\n",
-               rssi_average(s.success_rssi_sum, result[0] + s.reauth_result[0]));
-    cli_printf(" authentication fail rssi avgvalue:............%ddBm.\n",
-               rssi_average(s.fail_rssi_sum,
-                            result[1] + result[2] + s.reauth_result[1] + s.reauth_result[2]));
+    display_printf("  other                                    : %" PRIu64 "\n",
+                   result[authmng::kOtherReasonCode]);
+    display_printf(" authentication success rssi avgvalue:.........%ddBm.\n",
+                   rssi_average(s.success_rssi_sum, result[0] + s.reauth_result[0]));
+    display_printf(" authentication fail rssi avgvalue:............%ddBm.\n",
+                   rssi_average(s.fail_rssi_sum,
+                                result[1] + result[2] + s.reauth_result[1] + s.reauth_result[2]));
 }
 
 void print_offline(const authmng_dot1x_stat_t &s, const char *method) {
@@ -127,83 +130,89 @@ void print_offline(const authmng_dot1x_stat_t &s, const char *method) {
     const uint64_t by_auth = s.reauth_total - reauth[0];
     const uint64_t shown_total = by_auth + s.offline_total;
 
-    cli_printf("\n%s offline statistic:\n", method);
-    cli_printf(" offline_total:................................%" PRIu64 ".\n", shown_total);
+    display_printf("\n%s offline statistic:\n", method);
+    display_printf(" offline_total:................................%" PRIu64 ".\n", shown_total);
     for (uint32_t code = 0; code <= kLastListedOffline; ++code) {
-        cli_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_offline_reason_str(code), reason[code]);
+        display_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_offline_reason_str(code),
+                       reason[code]);
     }
-    cli_printf("  offline by sta                           : %" PRIu64 ".\n",
-               span_sum(reason, authmng::kStamgCodes));
-    cli_printf("  offline by rsna                          : %" PRIu64 ".\n",
-               span_sum(reason, authmng::kRsnaCodes));
-    cli_printf("  offline by roam                          : %" PRIu64 ".\n",
-               span_sum(reason, authmng::kRoamCodes));
-    cli_printf("  other reason                             : %" PRIu64 ".\n",
-               reason[authmng::kOtherReasonCode]);
-    cli_printf("  offline_by_auth:.............................%" PRIu64 ".\n", by_auth);
+    display_printf("  offline by sta                           : %" PRIu64 ".\n",
+                   span_sum(reason, authmng::kStamgCodes));
+    display_printf("  offline by rsna                          : %" PRIu64 ".\n",
+                   span_sum(reason, authmng::kRsnaCodes));
+    display_printf("  offline by roam                          : %" PRIu64 ".\n",
+                   span_sum(reason, authmng::kRoamCodes));
+    display_printf("  other reason                             : %" PRIu64 ".\n",
+                   reason[authmng::kOtherReasonCode]);
+    display_printf("  offline_by_auth:.............................%" PRIu64 ".\n", by_auth);
     for (uint32_t code = 1; code <= kLastListedFailure; ++code) {
-        cli_printf("    %-39s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code), reauth[code]);
+        display_printf("    %-39s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code),
+                       reauth[code]);
     }
-    cli_printf("    reauth fail by stamg                   : %" PRIu64 ".\n",
-               span_sum(reauth, authmng::kStamgCodes));
-    cli_printf("    reauth fail by rsna                    : %" PRIu64 ".\n",
-               span_sum(reauth, authmng::kRsnaCodes));
-    cli_printf("    reauth fail by roam                    : %" PRIu64 ".\n",
-               span_sum(reauth, authmng::kRoamCodes));
-    cli_printf("    other reason                           : %" PRIu64 ".\n",
-               reauth[authmng::kOtherReasonCode]);
-    cli_printf(" reauth offline ratio:.........................%u%%.\n",
-               low_u32(ratio(by_auth * 100, shown_total)));
-    cli_printf("\n");
+    display_printf("    reauth fail by stamg                   : %" PRIu64 ".\n",
+                   span_sum(reauth, authmng::kStamgCodes));
+    display_printf("    reauth fail by rsna                    : %" PRIu64 ".\n",
+                   span_sum(reauth, authmng::kRsnaCodes));
+    display_printf("    reauth fail by roam                    : %" PRIu64 ".\n",
+                   span_sum(reauth, authmng::kRoamCodes));
+    display_printf("    other reason                           : %" PRIu64 ".\n",
+                   reauth[authmng::kOtherReasonCode]);
+    display_printf(" reauth offline ratio:.........................%u%%.\n",
+                   low_u32(ratio(by_auth * 100, shown_total)));
+    display_printf("\n");
 }
 
 void print_times(const authmng_dot1x_stat_t &s) {
     const uint64_t *whole = s.range[AUTHMNG_RANGE_AUTH].count;
-    cli_printf("auth_range_1000:...............................%d.\n", low_i32(whole[0]));
-    cli_printf("auth_range_3000:...............................%d.\n", low_i32(whole[1]));
-    cli_printf("auth_range_other:..............................%d.\n", low_i32(whole[2]));
-    cli_printf("auth success less than 1 second ratio..........%u%%.\n",
-               low_u32(ratio(whole[0] * 100, s.auth_result[0])));
-    cli_printf("auth success consume average time:.............%ums.\n", s.auth_avg_time);
+    display_printf("auth_range_1000:...............................%d.\n", low_i32(whole[0]));
+    display_printf("auth_range_3000:...............................%d.\n", low_i32(whole[1]));
+    display_printf("auth_range_other:..............................%d.\n", low_i32(whole[2]));
+    display_printf("auth success less than 1 second ratio..........%u%%.\n",
+                   low_u32(ratio(whole[0] * 100, s.auth_result[0])));
+    display_printf("auth success consume average time:.............%ums.\n", s.auth_avg_time);
 
     const uint32_t over1s_count = static_cast<uint32_t>(whole[1]);
-    cli_printf("auth success 1 to 3 second total time..........%" PRIu64 "ms.\n", s.over1s_total);
+    display_printf("auth success 1 to 3 second total time..........%" PRIu64 "ms.\n",
+                   s.over1s_total);
     for (const ComponentBlock &c : kComponents) {
         const uint64_t sum = s.*c.over1s;
-        cli_printf("  %-6s 1 to 3 second total time .............%" PRIu64 "ms(%" PRIu64 "%%)\n",
-                   c.name, sum, ratio(sum * 100, s.over1s_total));
-        cli_printf("  %-6s consume average time .................%" PRIu64 "ms\n", c.name,
-                   ratio(sum, over1s_count));
+        display_printf("  %-6s 1 to 3 second total time .............%" PRIu64 "ms(%" PRIu64
+                       "%%)\n",
+                       c.name, sum, ratio(sum * 100, s.over1s_total));
+        display_printf("  %-6s consume average time .................%" PRIu64 "ms\n", c.name,
+                       ratio(sum, over1s_count));
     }
 
     const uint32_t over3s_count = static_cast<uint32_t>(whole[2]);
-    cli_printf("auth success more than 3 second total time.....%" PRIu64 "ms.\n", s.over3s_total);
+    display_printf("auth success more than 3 second total time.....%" PRIu64 "ms.\n",
+                   s.over3s_total);
     for (const ComponentBlock &c : kComponents) {
         const uint64_t sum = s.*c.over3s;
-        cli_printf("  %-6s more than 3 second total time ........%" PRIu64 "ms(%" PRIu64 "%%)\n",
-                   c.name, sum, ratio(sum * 100, s.over3s_total));
-        cli_printf("  %-6s consume average time .................%" PRIu64 "ms\n", c.name,
-                   ratio(sum, over3s_count));
+        display_printf("  %-6s more than 3 second total time ........%" PRIu64 "ms(%" PRIu64
+                       "%%)\n",
+                       c.name, sum, ratio(sum * 100, s.over3s_total));
+        display_printf("  %-6s consume average time .................%" PRIu64 "ms\n", c.name,
+                       ratio(sum, over3s_count));
     }
 }
 
 void print_histograms(const authmng_dot1x_stat_t &s) {
     for (uint32_t d = AUTHMNG_RANGE_AUTH_EX_SRV; d < AUTHMNG_D1X_RANGE_NUM; ++d) {
         const authmng_range_t &range = s.range[d];
-        cli_printf("\n");
+        display_printf("\n");
         for (uint32_t j = 0; j < range.num && j < AUTHMNG_RANGE_SLOTS; ++j) {
-            cli_printf("%-9s range_%-5s:.........................%d\n", kRangeNames[d],
-                       kRangePositionNames[j], low_i32(range.count[j]));
+            display_printf("%-9s range_%-5s:.........................%d\n", kRangeNames[d],
+                           kRangePositionNames[j], low_i32(range.count[j]));
         }
     }
-    cli_printf("\n");
+    display_printf("\n");
 }
 
 void print_reasons(const char *heading, const uint64_t *counters) {
-    cli_printf("%s", heading);
+    display_printf("%s", heading);
     for (uint32_t entry = 0; entry < AUTHMNG_REASON_NUM; ++entry) {
-        cli_printf("  %-20s.........................%" PRIu64 "\n", kReasonLabels[entry],
-                   counters[entry]);
+        display_printf("  %-20s.........................%" PRIu64 "\n", kReasonLabels[entry],
+                       counters[entry]);
     }
 }
 
@@ -212,6 +221,7 @@ void print_reasons(const char *heading, const uint64_t *counters) {
 extern "C" void authmng_show_dot1x_statistic(uint32_t index) {
     if (index >= AUTHMNG_D1X_METHOD_NUM) return;
     const char *method = kMethodNames[index];
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const authmng_dot1x_stat_t &s = g_amg_d1x[index];
     print_online(s, method);
@@ -221,5 +231,5 @@ extern "C" void authmng_show_dot1x_statistic(uint32_t index) {
     print_histograms(s);
     print_reasons("auth_range_3000 reason:\n", g_authmng_sec_range_reason);
     print_reasons("\nauth_range_other reason:\n", g_authmng_thi_range_reason);
-    cli_printf("\n");
+    display_printf("\n");
 }

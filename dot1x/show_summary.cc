@@ -10,9 +10,13 @@
 #include "authmng.h"
 #include "authmng_platform.h"
 #include "core/abnormal_list.h"
+#include "core/display_output.h"
 #include "core/local_time.h"
 #include "core/lock.h"
+#include "core/user_name.h"
 #include "dot1x/record.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -47,23 +51,24 @@ void print_abnormal_row(const authmng_abnormal_node_t &node) {
     const char *reason = info.event == D1X_OFFLINE
                              ? authmng_dot1x_offline_reason_str(info.offline_reason)
                              : authmng_dot1x_auth_reason_str(info.result);
-    const int user_length = static_cast<int>(strnlen(info.username, sizeof info.username));
-    cli_printf(
+    display_printf(
         "%02d.%02d %02d:%02d:%02d %-14s %-10u %-5u %-6u %-7u %-4u %-4u %-11s %-18s %-3ddBm %-5d "
-        "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10.*s\n",
+        "%-5d %-5d %-5d %-5d %-5d %-5d %-5d %-5d %-10s\n",
         when.tm_mon + 1, when.tm_mday, when.tm_hour, when.tm_min, when.tm_sec, mac, info.auth_time,
         unsigned{info.aaa_timeout}, unsigned{info.requestid_timeout},
         unsigned{info.request_timeout}, unsigned{info.rsna_notify}, unsigned{info.start_notify},
         authmng_dot1x_event_str(info.event), reason, info.rssi, static_cast<int32_t>(info.sta_time),
         static_cast<int32_t>(info.self_time), static_cast<int32_t>(info.aaa_time),
         static_cast<int32_t>(info.rds_time), static_cast<int32_t>(info.rds_srv_time), info.aaa_code,
-        info.rds_code, int{info.dismatch_id}, int{info.logoff}, user_length, info.username);
+        info.rds_code, int{info.dismatch_id}, int{info.logoff},
+        authmng::printable_name(info.username, authmng::NameSink::kTerminal));
 }
 
 }  // namespace
 
 extern "C" void authmng_show_dot1x_statistic_telnet(uint32_t index) {
     if (index >= AUTHMNG_D1X_METHOD_NUM) return;
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const authmng_dot1x_stat_t &s = g_amg_d1x[index];
 
@@ -78,25 +83,26 @@ extern "C" void authmng_show_dot1x_statistic_telnet(uint32_t index) {
     }
     const uint64_t *whole = s.range[AUTHMNG_RANGE_AUTH].count;
 
-    cli_printf("{\n");
-    cli_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
-    cli_printf("    \"auth_total\": %" PRIu64 ",\n", rate_base);
-    cli_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
-               s.old_online_number + s.auth_result[0]);
-    cli_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
-    cli_printf("    \"offline_total\": %" PRIu64 ",\n", offline_total);
-    cli_printf("    \"offline_by_auth\": %" PRIu64 ",\n", by_auth);
-    cli_printf("    \"auth_range_1000\": %d,\n", low_i32(whole[0]));
-    cli_printf("    \"auth_range_3000\": %d,\n", low_i32(whole[1]));
-    cli_printf("    \"auth_range_other\": %d\n", low_i32(whole[2]));
-    cli_printf("}\n");
-    cli_printf("\n");
+    display_printf("{\n");
+    display_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
+    display_printf("    \"auth_total\": %" PRIu64 ",\n", rate_base);
+    display_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
+                   s.old_online_number + s.auth_result[0]);
+    display_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
+    display_printf("    \"offline_total\": %" PRIu64 ",\n", offline_total);
+    display_printf("    \"offline_by_auth\": %" PRIu64 ",\n", by_auth);
+    display_printf("    \"auth_range_1000\": %d,\n", low_i32(whole[0]));
+    display_printf("    \"auth_range_3000\": %d,\n", low_i32(whole[1]));
+    display_printf("    \"auth_range_other\": %d\n", low_i32(whole[2]));
+    display_printf("}\n");
+    display_printf("\n");
 }
 
 extern "C" void authmng_show_dot1x_statistic_abnormal(uint32_t filter) {
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
-    cli_printf("%s", kAbnormalHeader);
-    cli_printf("%s", kAbnormalRule);
+    display_printf("%s", kAbnormalHeader);
+    display_printf("%s", kAbnormalRule);
     authmng::abnormal_list_for_each([filter](const authmng_abnormal_node_t &node) {
         if (filter == AUTHMNG_ABNORMAL_FILTER_ALL || node.info.event == filter) {
             print_abnormal_row(node);

@@ -2,6 +2,7 @@
 // the continuation of the escape it holds.
 #include "escape/check.h"
 
+#include <cstdint>
 #include <cstdio>
 
 #include "authmng.h"
@@ -36,18 +37,18 @@ void ring_append(uint32_t *ring, uint16_t &pos, uint32_t value) {
     }
 }
 
-// (value * 100) / count with the product in 32 bits and a signed,
-// truncating division; 0 (no sample) when count is not positive as a
-// signed number.
+// (value * 100) / count in 64 bits, unsigned and truncating, so that a
+// login storm (value * 100 past 2^31) is neither turned negative nor
+// wrapped; capped at the largest sample a ring holds. 0 (no sample) for a
+// count of 0.
 uint32_t sample_of(uint32_t value, uint32_t count) {
-    int32_t divisor = static_cast<int32_t>(count);
-    if (divisor <= 0) return 0;
-    int32_t dividend = static_cast<int32_t>(value * kSampleScale);
-    return static_cast<uint32_t>(dividend / divisor);
+    if (count == 0) return 0;
+    uint64_t sample = uint64_t{value} * kSampleScale / count;
+    return sample > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(sample);
 }
 
 uint32_t halfway(uint32_t avg, uint32_t sample) {
-    return static_cast<uint32_t>(avg + sample) / 2;
+    return static_cast<uint32_t>((uint64_t{avg} + sample) / 2);
 }
 
 }  // namespace

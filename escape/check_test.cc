@@ -81,14 +81,14 @@ TEST_F(EscapeTest, EscapeLifeOneEndsAtTheNextReport) {
     EXPECT_EQ(report(0, 0, 4, 4000, 0), "0/0/0");
 }
 
-TEST_F(EscapeTest, SamplesAre32BitAndRingsHold1500) {
+TEST_F(EscapeTest, SamplesAre64BitAndRingsHold1500) {
     authmng_check_result_t result{};
-    // 30000000 * 100 wraps to -1294967296; / 10 gives -129496729.
-    EXPECT_EQ(authmng_get_current_result(0, 30000000, 10, &result), -1);
-    EXPECT_EQ(authmng_get_current_result(1, 30000000, 0x80000000u, &result), 0);  // count < 0
+    EXPECT_EQ(authmng_get_current_result(0, 30000000, 10, &result), -1);          // 300000000
+    EXPECT_EQ(authmng_get_current_result(1, 30000000, 0x80000000u, &result), 0);  // 1
+    EXPECT_EQ(authmng_get_current_result(1, 30000000, 0, &result), 0);            // no sample
     EXPECT_EQ(g_authmng_check[1].zero_count, 1u);
     authmng_check_t &rd = g_authmng_check[0];
-    EXPECT_EQ(rd.recent_value[0], 4165470567u);
+    EXPECT_EQ(rd.recent_value[0], 300000000u);
     for (uint32_t i = 2; i <= 1500; ++i) authmng_add_check_record(&rd, i);
     EXPECT_EQ(rd.recent_pos, 1500);
     authmng_add_check_record(&rd, 7);

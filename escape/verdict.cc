@@ -21,37 +21,59 @@ struct Increases {
     uint32_t timeout_count;
 };
 
-// The increase of one total; the new total becomes the previous one. A
-// total that went down (the daemon restarted its totals, or a 32-bit total
-// passed its top) sets the wrapped flag and counts only its new value: the
-// period since a restart, or an understated period after a wrap, never a
-// wrap-around difference that a restart would turn into billions.
-uint32_t take_increase(uint32_t now, uint32_t &previous, uint8_t &wrapped) {
-    uint32_t before = previous;
+// What the five totals of a report did against the previous ones: whether
+// any previous total was non-zero, any went down, and any non-zero one did
+// not go down.
+struct Trend {
+    bool history = false;
+    bool down = false;
+    bool kept = false;
+    void add(uint32_t before, uint32_t now) {
+        history |= before != 0;
+        down |= now < before;
+        kept |= before != 0 && now >= before;
+    }
+};
+
+// The increase of one total; the new total becomes the previous one.
+uint32_t take_increase(uint32_t now, uint32_t &previous, bool restarted) {
+    uint32_t increase = restarted ? now : now - previous;
     previous = now;
-    if (now >= before) return now - before;
-    wrapped = 1;
-    return now;
+    return increase;
 }
 
-// Moves the previous totals to this report's. true when the report only
-// sets the baseline: nothing went down so far and every previous total
-// was 0 (the first report, or the first after user escape was switched
-// off).
+// Moves the previous totals to this report's and takes the increases.
+// A report in which every non-zero previous total went down comes from a
+// restarted daemon: the increases are the new totals. A total that went
+// down while another did not passed its 32-bit top: its increase is the
+// difference modulo 2^32, the true one when it wrapped once. Either sets
+// the wrapped flag. A total that wrapped alone thus counts its true
+// increase and a restart the whole period since it. Only a restart whose
+// totals outgrew the old ones within one period, or every non-zero total
+// wrapping in the same period (taken for a restart), can still skew a
+// sample, either way.
+//
+// true when the report only sets the baseline: nothing went down so far
+// and every previous total was 0 (the first report, or the first after
+// user escape was switched off).
 bool take_increases(const authmng_check_input_t &now, Increases &inc) {
     authmng_info_record_t &prev = g_authmng_info_record;
-    bool no_history = prev.total_redirect_count == 0 && prev.total_redirect_time == 0 &&
-                      prev.total_auth_count == 0 && prev.total_auth_time == 0 &&
-                      prev.total_auth_timeout_count == 0;
+    Trend trend;
+    trend.add(prev.total_redirect_count, now.total_redirect_count);
+    trend.add(prev.total_redirect_time, now.total_redirect_time);
+    trend.add(prev.total_auth_count, now.total_auth_count);
+    trend.add(prev.total_auth_time, now.total_auth_time);
+    trend.add(prev.total_auth_timeout_count, now.total_auth_timeout_count);
+    const bool restarted = trend.down && !trend.kept;
     inc.redirect_count =
-        take_increase(now.total_redirect_count, prev.total_redirect_count, prev.wrapped);
-    inc.redirect_time =
-        take_increase(now.total_redirect_time, prev.total_redirect_time, prev.wrapped);
-    inc.auth_count = take_increase(now.total_auth_count, prev.total_auth_count, prev.wrapped);
-    inc.auth_time = take_increase(now.total_auth_time, prev.total_auth_time, prev.wrapped);
+        take_increase(now.total_redirect_count, prev.total_redirect_count, restarted);
+    inc.redirect_time = take_increase(now.total_redirect_time, prev.total_redirect_time, restarted);
+    inc.auth_count = take_increase(now.total_auth_count, prev.total_auth_count, restarted);
+    inc.auth_time = take_increase(now.total_auth_time, prev.total_auth_time, restarted);
     inc.timeout_count =
-        take_increase(now.total_auth_timeout_count, prev.total_auth_timeout_count, prev.wrapped);
-    return prev.wrapped == 0 && no_history;
+        take_increase(now.total_auth_timeout_count, prev.total_auth_timeout_count, restarted);
+    if (trend.down) prev.wrapped = 1;
+    return prev.wrapped == 0 && !trend.history;
 }
 
 // Redirect, auth, authtimeout.

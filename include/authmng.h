@@ -461,8 +461,9 @@ AUTHMNG_API extern struct cli_parse_node Tauthmanage_debug_array;
  * ---------------------------------------------------------------------- */
 
 /* Start the library for the client named in reg: storage directories,
- * command groups, debug switches, statistics records, mutex, abnormal list
- * and timer thread. Call once per process, from one thread, before any
+ * command groups, debug switches, statistics records, abnormal list and
+ * timer thread (g_authmng_mtx is recursive from the library's load on and
+ * is not touched here). Call once per process, from one thread, before any
  * other entry. Returns 0, or -1 with a syslog record naming the step. */
 AUTHMNG_API int32_t authmng_init(const authmng_reg_t *reg);
 
@@ -648,7 +649,8 @@ AUTHMNG_API void authmng_debug_summary(void);
  * Unix-domain sequenced-packet sockets and TLV messages
  * ---------------------------------------------------------------------- */
 
-/* Create a socket bound to path (first 107 characters); -1 on failure. */
+/* Create a socket bound to path (first 107 characters), removing a file of
+ * that name first; -1 on failure and for an empty path. */
 AUTHMNG_API int authmng_unix_socket_init(const char *path);
 /* Connect; -1 when path is missing or longer than 107 characters. */
 AUTHMNG_API int authmng_unix_connect(int socket, const char *path);

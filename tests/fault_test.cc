@@ -2,9 +2,11 @@
 // a failing clock and failing allocations. Each fault costs at most the
 // write it hits; the records, baselines and the abnormal list keep what
 // they held, and nothing crashes.
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -47,10 +49,10 @@ size_t occurrences(const std::string &text, const std::string &part) {
 class FaultTest : public AuthmngTest {
 protected:
     // A failed authentication of the client (counted, queued as abnormal)
-    // under the name "user<n>," (the comma keeps user1 from matching user12).
+    // under the name "user<n>." (the dot keeps user1 from matching user12).
     static void fail(int32_t client, int n) {
         authmng_auth_info_t info = event_record(client, 0, client == AUTHMNG_CLIENT_WBA ? 3 : 5);
-        snprintf(info.username, sizeof info.username, "user%d,", n);
+        snprintf(info.username, sizeof info.username, "user%d.", n);
         authmng_notify_auth_info(&info);
     }
     static void write_all(int32_t client) {
@@ -73,7 +75,7 @@ protected:
         EXPECT_EQ(column_sum(rows, web ? 2 : 3, web ? "" : "dot1x"), uint64_t(events));
         std::string abnormal = read_file(flash_path(web ? kWebauthAbnormal : kDot1xAbnormal));
         for (int n = 0; n < events; ++n) {
-            EXPECT_EQ(occurrences(abnormal, "user" + std::to_string(n) + ","), n < first ? 0u : 1u)
+            EXPECT_EQ(occurrences(abnormal, "user" + std::to_string(n) + "."), n < first ? 0u : 1u)
                 << n;
         }
         EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
@@ -156,26 +158,30 @@ TEST_F(FaultTest, OverlongTmpdir) {
     expect_everything_written(AUTHMNG_CLIENT_WBA, 2);
 }
 
-// Files that are links to /dev/full: the open succeeds and the writes are
-// lost. That loses the rows of the write that hit it, as unchecked write
-// errors do, and nothing more: the next writes go on from there.
-TEST_F(FaultTest, WritesIntoAFullDevice) {
-    if (!exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+// A full disk, made by a file-size limit of 0 bytes (with the signal of an
+// oversized write ignored): the opens succeed and the writes are lost.
+// That loses the rows of the write that hit it, as unchecked write errors
+// do, and nothing more: the next writes go on from there.
+TEST_F(FaultTest, WritesIntoAFullDisk) {
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
-    for (const std::string &file : {flash_path(kDot1xAbnormal), tmp_path(kDot1xStatistic)}) {
-        ASSERT_EQ(symlink("/dev/full", file.c_str()), 0);
-    }
     fail(AUTHMNG_CLIENT_DOT1X, 0);
     fail(AUTHMNG_CLIENT_DOT1X, 1);
+    struct rlimit saved;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    struct rlimit full = {0, saved.rlim_max};
+    signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
     write_all(AUTHMNG_CLIENT_DOT1X);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &saved), 0);
     EXPECT_EQ(g_authmng_abnormal_record_num, 0u);  // drained into the lost write
     EXPECT_EQ(g_amg_d1x_tmp[0].auth_total, 2u);
+    EXPECT_EQ(read_file(flash_path(kDot1xAbnormal)), "");
     remove(flash_path(kDot1xAbnormal).c_str()), remove(tmp_path(kDot1xStatistic).c_str());
     fail(AUTHMNG_CLIENT_DOT1X, 2);
     write_all(AUTHMNG_CLIENT_DOT1X);
     std::string rows = read_file(flash_path(kDot1xAbnormal));
     EXPECT_EQ(count_lines(rows), 2u);  // the header and user2
-    EXPECT_NE(rows.find(",user2,,"), std::string::npos);
+    EXPECT_NE(rows.find(",user2.,"), std::string::npos);
     EXPECT_EQ(column_sum(read_file(tmp_path(kDot1xStatistic)), 3, "dot1x"), 1u);
 }
 
@@ -203,7 +209,7 @@ TEST_F(FaultTest, FailingClock) {
     fail(AUTHMNG_CLIENT_WBA, 1);
     authmng_write_webauth_abnormal_record_to_file();
     std::string rows = read_file(flash_path(kWebauthAbnormal));
-    EXPECT_EQ(occurrences(rows, ",user0,") + 2 * occurrences(rows, ",user1,"), 2u);
+    EXPECT_EQ(occurrences(rows, ",user0.,") + 2 * occurrences(rows, ",user1.,"), 2u);
 }
 
 // Allocations fail from the n-th of a round of one event and every write

@@ -3,7 +3,8 @@
 //
 // The helpers keep no state and log nothing; errors come back as -1 with
 // errno as the system left it. A null path or buffer, or a negative
-// length, is refused with -1 before any system call.
+// length, is refused with -1 before any system call; so is an empty path
+// to bind to.
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -36,13 +37,19 @@ socklen_t make_address(const char *path, size_t path_len, sockaddr_un *addr) {
 using namespace authmng;
 
 int authmng_unix_socket_init(const char *path) {
-    if (path == nullptr) return -1;
+    // An empty path would bind to an address the system picks at random.
+    if (path == nullptr || path[0] == '\0') {
+        errno = EINVAL;
+        return -1;
+    }
     int sock = socket(AF_UNIX, SOCK_SEQPACKET, 0);
     if (sock < 0) return -1;
-    // A file left by an earlier run would make the bind fail.
-    (void)unlink(path);
     sockaddr_un addr;
     socklen_t addr_len = make_address(path, strnlen(path, kUnixPathMax), &addr);
+    // A file left by an earlier run would make the bind fail. The name
+    // removed is the one bound: a longer path is bound under its first 107
+    // characters.
+    (void)unlink(addr.sun_path);
     if (bind(sock, reinterpret_cast<const sockaddr *>(&addr), addr_len) != 0) {
         int saved = errno;
         close(sock);

@@ -15,6 +15,7 @@
 #include "core/log.h"
 #include "core/memory.h"
 #include "core/paths.h"
+#include "core/user_name.h"
 
 using namespace authmng;
 
@@ -43,14 +44,14 @@ void format_abnormal_row(const authmng_abnormal_node_t &node, char *row) {
     char ip[INET_ADDRSTRLEN] = {};
     if (inet_ntop(AF_INET, &address, ip, sizeof ip) == nullptr) ip[0] = '\0';
     // The name may fill its field without a terminator.
-    int name_length = static_cast<int>(strnlen(info.username, sizeof info.username));
     snprintf(row, kRowBufferSize,
-             "%d.%d %d:%d:%d,%.*s,%s,%s,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%d,%d,%d,%d\n",
-             t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, name_length, info.username,
-             mac, ip, info.ack_time, info.auth_time, info.scc_time, info.acct_time,
-             info.portal_time, info.aaa_time, info.rds_time, info.rds_srv_time, info.acct_aaa_time,
-             info.acct_rds_time, info.acct_rds_svr_time, info.result, info.wba_state,
-             info.wba_event, info.aaa_code, info.rds_code, info.aaa_acct_code, info.rds_acct_code);
+             "%d.%d %d:%d:%d,%s,%s,%s,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%u,%d,%d,%d,%d\n",
+             t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec,
+             printable_name(info.username, NameSink::kCsv), mac, ip, info.ack_time, info.auth_time,
+             info.scc_time, info.acct_time, info.portal_time, info.aaa_time, info.rds_time,
+             info.rds_srv_time, info.acct_aaa_time, info.acct_rds_time, info.acct_rds_svr_time,
+             info.result, info.wba_state, info.wba_event, info.aaa_code, info.rds_code,
+             info.aaa_acct_code, info.rds_acct_code);
 }
 
 }  // namespace

@@ -6,8 +6,11 @@
 
 #include "authmng.h"
 #include "authmng_platform.h"
+#include "core/display_output.h"
 #include "core/lock.h"
 #include "webauth/code_text.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -55,131 +58,147 @@ inline uint64_t ratio(uint64_t dividend, uint64_t divisor) {
 }
 
 void print_online(const authmng_webauth_stat_t &s) {
-    cli_printf("\nShow web authentication information:\n");
-    cli_printf(" current online number:..................................%" PRIu64 ".\n",
-               s.current_online_number);
-    cli_printf(" historical max online number:...........................%" PRIu64 ".\n",
-               s.max_online_number);
-    cli_printf(" aggregate online number:................................%" PRIu64 ".\n",
-               s.old_online_number + s.auth_result[0]);
+    display_printf("\nShow web authentication information:\n");
+    display_printf(" current online number:..................................%" PRIu64 ".\n",
+                   s.current_online_number);
+    display_printf(" historical max online number:...........................%" PRIu64 ".\n",
+                   s.max_online_number);
+    display_printf(" aggregate online number:................................%" PRIu64 ".\n",
+                   s.old_online_number + s.auth_result[0]);
 }
 
 void print_redirects(const authmng_webauth_stat_t &s) {
     const uint64_t *rd = s.range[kRedirectRange].count;
     const uint64_t timed = rd[0] + rd[1] + rd[2];
-    cli_printf("\nWeb authentication redirect statistic:\n");
-    cli_printf(" HTTP packet processing:\n");
-    cli_printf("  number of users:.......................................%" PRIu64 "\n", s.rd_user);
-    cli_printf("  number of HTTP packets received:.......................%" PRIu64 "\n",
-               s.http_req_count);
-    cli_printf(" redirection time consumption for successful users:\n");
-    cli_printf("  average time consumption:..............................%" PRIu64 "ms.\n",
-               s.rd_avg_time);
-    cli_printf("  aggregate time consumption:............................%" PRIu64 "ms.\n",
-               s.aggregate_time[kRedirectRange]);
-    cli_printf("  number of less than half one second:...................%" PRIu64 "(%.3f%%).\n",
-               rd[0], percent(rd[0], timed));
-    cli_printf("  number of between half and one second:.................%" PRIu64 "(%.3f%%).\n",
-               rd[1], percent(rd[1], timed));
-    cli_printf("  number of more than one second:........................%" PRIu64 ".\n", rd[2]);
+    display_printf("\nWeb authentication redirect statistic:\n");
+    display_printf(" HTTP packet processing:\n");
+    display_printf("  number of users:.......................................%" PRIu64 "\n",
+                   s.rd_user);
+    display_printf("  number of HTTP packets received:.......................%" PRIu64 "\n",
+                   s.http_req_count);
+    display_printf(" redirection time consumption for successful users:\n");
+    display_printf("  average time consumption:..............................%" PRIu64 "ms.\n",
+                   s.rd_avg_time);
+    display_printf("  aggregate time consumption:............................%" PRIu64 "ms.\n",
+                   s.aggregate_time[kRedirectRange]);
+    display_printf("  number of less than half one second:...................%" PRIu64
+                   "(%.3f%%).\n",
+                   rd[0], percent(rd[0], timed));
+    display_printf("  number of between half and one second:.................%" PRIu64
+                   "(%.3f%%).\n",
+                   rd[1], percent(rd[1], timed));
+    display_printf("  number of more than one second:........................%" PRIu64 ".\n",
+                   rd[2]);
 }
 
 void print_authentications(const authmng_webauth_stat_t &s) {
     const uint64_t *result = s.auth_result;
     const uint64_t failures = s.auth_total - result[0] - result[kWrongPassword];
-    cli_printf("\nWeb authentication statistic:\n");
-    cli_printf(" authentication processing:\n");
-    cli_printf("  number of authentication requests received:............%" PRIu64 ".\n",
-               s.auth_total);
-    cli_printf("  number of reauthentication requests received:..........%" PRIu64 ".\n",
-               s.reauth_number);
-    cli_printf("  number of error password:..............................%" PRIu64 ".\n",
-               result[kWrongPassword]);
-    cli_printf("  number of authentication failures:.....................%" PRIu64 "(%.3f%%).\n",
-               failures, percent(failures, s.auth_total));
+    display_printf("\nWeb authentication statistic:\n");
+    display_printf(" authentication processing:\n");
+    display_printf("  number of authentication requests received:............%" PRIu64 ".\n",
+                   s.auth_total);
+    display_printf("  number of reauthentication requests received:..........%" PRIu64 ".\n",
+                   s.reauth_number);
+    display_printf("  number of error password:..............................%" PRIu64 ".\n",
+                   result[kWrongPassword]);
+    display_printf("  number of authentication failures:.....................%" PRIu64
+                   "(%.3f%%).\n",
+                   failures, percent(failures, s.auth_total));
     for (uint32_t code = kFirstListedResult; code < kOtherResult; ++code) {
-        cli_printf("   %s%" PRIu64 "(%.3f%%).\n", authmng::webauth_result_label(code), result[code],
-                   percent(result[code], failures));
+        display_printf("   %s%" PRIu64 "(%.3f%%).\n", authmng::webauth_result_label(code),
+                       result[code], percent(result[code], failures));
     }
-    cli_printf("   %s%" PRIu64 ".\n", authmng::webauth_result_label(kOtherResult),
-               result[kOtherResult]);
+    display_printf("   %s%" PRIu64 ".\n", authmng::webauth_result_label(kOtherResult),
+                   result[kOtherResult]);
 
     const uint64_t *whole = s.range[kAuthRange].count;
     const uint64_t *ex_server = s.range[kAuthExServerRange].count;
     const uint64_t successes = result[0];
-    cli_printf(" authentication time consumption for successful users:\n");
-    cli_printf("  average time consumption:..............................%ums.\n", s.auth_avg_time);
-    cli_printf("  aggregate time consumption:............................%" PRIu64 "ms.\n",
-               s.aggregate_time[kAuthRange]);
-    cli_printf("  number of less than one second:........................%" PRIu64 "(%.3f%%).\n",
-               whole[0], percent(whole[0], successes));
-    cli_printf("  number of between one and three second:................%" PRIu64 "(%.3f%%).\n",
-               whole[1], percent(whole[1], successes));
-    cli_printf("  number of more than three second:......................%" PRIu64 "(%.3f%%).\n",
-               whole[2], percent(whole[2], successes));
-    cli_printf("  number of less than one second(exclude server):........%" PRIu64 "(%.3f%%).\n",
-               ex_server[0], percent(ex_server[0], successes));
-    cli_printf("  number of between one and three second(exclude server):%" PRIu64 "(%.3f%%).\n",
-               ex_server[1], percent(ex_server[1], successes));
-    cli_printf("  number of more than three second(exclude server):......%" PRIu64 "(%.3f%%).\n",
-               ex_server[2], percent(ex_server[2], successes));
+    display_printf(" authentication time consumption for successful users:\n");
+    display_printf("  average time consumption:..............................%ums.\n",
+                   s.auth_avg_time);
+    display_printf("  aggregate time consumption:............................%" PRIu64 "ms.\n",
+                   s.aggregate_time[kAuthRange]);
+    display_printf("  number of less than one second:........................%" PRIu64
+                   "(%.3f%%).\n",
+                   whole[0], percent(whole[0], successes));
+    display_printf("  number of between one and three second:................%" PRIu64
+                   "(%.3f%%).\n",
+                   whole[1], percent(whole[1], successes));
+    display_printf("  number of more than three second:......................%" PRIu64
+                   "(%.3f%%).\n",
+                   whole[2], percent(whole[2], successes));
+    display_printf("  number of less than one second(exclude server):........%" PRIu64
+                   "(%.3f%%).\n",
+                   ex_server[0], percent(ex_server[0], successes));
+    display_printf("  number of between one and three second(exclude server):%" PRIu64
+                   "(%.3f%%).\n",
+                   ex_server[1], percent(ex_server[1], successes));
+    display_printf("  number of more than three second(exclude server):......%" PRIu64
+                   "(%.3f%%).\n",
+                   ex_server[2], percent(ex_server[2], successes));
 }
 
 void print_offlines(const authmng_webauth_stat_t &s) {
     const uint64_t *reason = s.offline_reason;
     const uint64_t abnormal =
         reason[kWebauthPortalTimeout] + reason[kWebauthSetFail] + reason[kWebauthLinkChange];
-    cli_printf("\nWeb authentication offline information:\n");
-    cli_printf(" number of offline count:................................%" PRIu64 ".\n",
-               s.offline_total);
-    cli_printf("  number of abnormal offline(rate):......................%" PRIu64 "(%.3f%%).\n",
-               abnormal, percent(abnormal, s.old_online_number + s.auth_result[0]));
-    cli_printf("   number of portal timeout:.............................%" PRIu64 "(%.3f%%).\n",
-               reason[kWebauthPortalTimeout], percent(reason[kWebauthPortalTimeout], abnormal));
-    cli_printf("   number of set fail:...................................%" PRIu64 "(%.3f%%).\n",
-               reason[kWebauthSetFail], percent(reason[kWebauthSetFail], abnormal));
-    cli_printf("   number of link change:................................%" PRIu64 ".\n",
-               reason[kWebauthLinkChange]);
+    display_printf("\nWeb authentication offline information:\n");
+    display_printf(" number of offline count:................................%" PRIu64 ".\n",
+                   s.offline_total);
+    display_printf("  number of abnormal offline(rate):......................%" PRIu64
+                   "(%.3f%%).\n",
+                   abnormal, percent(abnormal, s.old_online_number + s.auth_result[0]));
+    display_printf("   number of portal timeout:.............................%" PRIu64
+                   "(%.3f%%).\n",
+                   reason[kWebauthPortalTimeout], percent(reason[kWebauthPortalTimeout], abnormal));
+    display_printf("   number of set fail:...................................%" PRIu64
+                   "(%.3f%%).\n",
+                   reason[kWebauthSetFail], percent(reason[kWebauthSetFail], abnormal));
+    display_printf("   number of link change:................................%" PRIu64 ".\n",
+                   reason[kWebauthLinkChange]);
     for (uint32_t code = 0; code < AUTHMNG_WBA_OFFLINE_NUM; ++code) {
         if (code == kWebauthPortalTimeout || code == kWebauthSetFail || code == kWebauthLinkChange)
             continue;
-        cli_printf("  %-55s%" PRIu64 ".\n", authmng::webauth_offline_label(code), reason[code]);
+        display_printf("  %-55s%" PRIu64 ".\n", authmng::webauth_offline_label(code), reason[code]);
     }
-    cli_printf(" aggregate online time:..................................%" PRIu64 "min\n",
-               s.online_time_total / 60);
-    cli_printf(" average online time of user:............................%umin\n",
-               s.average_online_time);
+    display_printf(" aggregate online time:..................................%" PRIu64 "min\n",
+                   s.online_time_total / 60);
+    display_printf(" average online time of user:............................%umin\n",
+                   s.average_online_time);
 }
 
 void print_moves(const authmng_webauth_stat_t &s) {
-    cli_printf("\nStation-move:\n");
-    cli_printf(" move count:.............................................%" PRIu64 ".\n",
-               s.move_count);
-    cli_printf(" move fail:..............................................%" PRIu64 ".\n",
-               s.move_fail_count);
+    display_printf("\nStation-move:\n");
+    display_printf(" move count:.............................................%" PRIu64 ".\n",
+                   s.move_count);
+    display_printf(" move fail:..............................................%" PRIu64 ".\n",
+                   s.move_fail_count);
 }
 
 void print_steps(const authmng_webauth_stat_t &s) {
-    cli_printf("\nOther important process statistics:\n");
+    display_printf("\nOther important process statistics:\n");
     for (uint32_t step = kFirstStep; step < AUTHMNG_WBA_RANGE_NUM; ++step) {
         const uint64_t *count = s.range[step].count;
         const uint64_t sum = s.aggregate_time[step];
-        cli_printf("%s", kStepHeadings[step]);
-        cli_printf(" average time consumption:...............................%" PRIu64 "ms.\n",
-                   ratio(sum, s.auth_result[0]));
-        cli_printf(" aggregate time consumption:.............................%" PRIu64 "ms.\n",
-                   sum);
-        cli_printf(" number of less than one second:.........................%" PRIu64
-                   "(%.3f%%).\n",
-                   count[0], percent(count[0], count[0] + count[1]));
-        cli_printf(" number of more than one second:.........................%" PRIu64 ".\n",
-                   count[1]);
+        display_printf("%s", kStepHeadings[step]);
+        display_printf(" average time consumption:...............................%" PRIu64 "ms.\n",
+                       ratio(sum, s.auth_result[0]));
+        display_printf(" aggregate time consumption:.............................%" PRIu64 "ms.\n",
+                       sum);
+        display_printf(" number of less than one second:.........................%" PRIu64
+                       "(%.3f%%).\n",
+                       count[0], percent(count[0], count[0] + count[1]));
+        display_printf(" number of more than one second:.........................%" PRIu64 ".\n",
+                       count[1]);
     }
 }
 
 }  // namespace
 
 extern "C" void authmng_show_webauth_statistic(void) {
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const authmng_webauth_stat_t &s = g_authmng_webauth;
     print_online(s);

@@ -10,10 +10,14 @@
 #include "authmng.h"
 #include "authmng_platform.h"
 #include "core/abnormal_list.h"
+#include "core/display_output.h"
 #include "core/local_time.h"
 #include "core/lock.h"
 #include "core/relaxed.h"
+#include "core/user_name.h"
 #include "webauth/code_text.h"
+
+using authmng::display_printf;
 
 namespace {
 
@@ -34,18 +38,18 @@ void print_abnormal_record(const authmng_abnormal_node_t &node) {
     struct in_addr address;
     address.s_addr = info.ip;
     inet_ntop(AF_INET, &address, ip, sizeof ip);
-    const int user_length = static_cast<int>(strnlen(info.username, sizeof info.username));
-    cli_printf(
-        "\n%susername(%.*s),mac(%02x%02x.%02x%02x.%02x%02x),ip(%s),ack_time(%u),auth_time(%u),"
+    display_printf(
+        "\n%susername(%s),mac(%02x%02x.%02x%02x.%02x%02x),ip(%s),ack_time(%u),auth_time(%u),"
         "scc_time(%u),acct_time(%u),portal_time(%u),auth_aaa_time(%u),auth_rds_time(%u),"
         "auth_rds_svr_time(%u),acct_aaa_time(%u),acct_rds_time(%u),acct_rds_svr_time(%u),"
         "wba_code(%u),wba_state(%u),wba_event(%u),aaa_auth_code(%d),rds_auth_code(%d),"
         "aaa_acct_code(%d),rds_acct_code(%d).\n",
-        when, user_length, info.username, info.mac[0], info.mac[1], info.mac[2], info.mac[3],
-        info.mac[4], info.mac[5], ip, info.ack_time, info.auth_time, info.scc_time, info.acct_time,
-        info.portal_time, info.aaa_time, info.rds_time, info.rds_srv_time, info.acct_aaa_time,
-        info.acct_rds_time, info.acct_rds_svr_time, info.result, info.wba_state, info.wba_event,
-        info.aaa_code, info.rds_code, info.aaa_acct_code, info.rds_acct_code);
+        when, authmng::printable_name(info.username, authmng::NameSink::kTerminal), info.mac[0],
+        info.mac[1], info.mac[2], info.mac[3], info.mac[4], info.mac[5], ip, info.ack_time,
+        info.auth_time, info.scc_time, info.acct_time, info.portal_time, info.aaa_time,
+        info.rds_time, info.rds_srv_time, info.acct_aaa_time, info.acct_rds_time,
+        info.acct_rds_svr_time, info.result, info.wba_state, info.wba_event, info.aaa_code,
+        info.rds_code, info.aaa_acct_code, info.rds_acct_code);
 }
 
 inline int as_signed(uint32_t value) {
@@ -55,16 +59,18 @@ inline int as_signed(uint32_t value) {
 }  // namespace
 
 extern "C" void authmng_show_webauth_statistic_abnormal(void) {
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
-    cli_printf("\nrecord num:%d, value:%d, max-num:%d, clock:%d\n",
-               as_signed(g_authmng_abnormal_record_num),
-               as_signed(authmng::load_relaxed(g_authmng_authtime_abnormal_value)),
-               as_signed(authmng::load_relaxed(g_authmng_abnormal_record_max)),
-               as_signed(authmng::load_relaxed(g_authmng_write_file_clock)));
+    display_printf("\nrecord num:%d, value:%d, max-num:%d, clock:%d\n",
+                   as_signed(g_authmng_abnormal_record_num),
+                   as_signed(authmng::load_relaxed(g_authmng_authtime_abnormal_value)),
+                   as_signed(authmng::load_relaxed(g_authmng_abnormal_record_max)),
+                   as_signed(authmng::load_relaxed(g_authmng_write_file_clock)));
     authmng::abnormal_list_for_each(print_abnormal_record);
 }
 
 extern "C" void authmng_show_webauth_statistic_telnet(void) {
+    authmng::DeferredDisplay display;  // printed after the unlock
     authmng::LibraryLock lock;
     const authmng_webauth_stat_t &s = g_authmng_webauth;
     const uint64_t *rd = s.range[kRedirectRange].count;
@@ -72,34 +78,34 @@ extern "C" void authmng_show_webauth_statistic_telnet(void) {
     const uint64_t *ex_server = s.range[kAuthExServerRange].count;
     // The web-auth daemon has no re-authentication that ends a session.
     const uint64_t offline_by_auth = 0;
-    cli_printf("{\n");
-    cli_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
-    cli_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
-               s.old_online_number + s.auth_result[0]);
-    cli_printf("    \"redirect_range_500\": %" PRIu64 ",\n", rd[0]);
-    cli_printf("    \"redirect_range_1000\": %" PRIu64 ",\n", rd[1]);
-    cli_printf("    \"redirect_range_other\": %" PRIu64 ",\n", rd[2]);
-    cli_printf("    \"auth_total\": %" PRIu64 ",\n", s.auth_total);
-    cli_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
-    cli_printf("    \"auth_range_1000\": %" PRIu64 ",\n", whole[0]);
-    cli_printf("    \"auth_range_3000\": %" PRIu64 ",\n", whole[1]);
-    cli_printf("    \"auth_range_other\": %" PRIu64 ",\n", whole[2]);
-    cli_printf("    \"auth_range_1000_ex\": %" PRIu64 ",\n", ex_server[0]);
-    cli_printf("    \"auth_range_3000_ex\": %" PRIu64 ",\n", ex_server[1]);
-    cli_printf("    \"auth_range_other_ex\": %" PRIu64 ",\n", ex_server[2]);
+    display_printf("{\n");
+    display_printf("    \"current_online_number\": %" PRIu64 ",\n", s.current_online_number);
+    display_printf("    \"aggregate_online_number\": %" PRIu64 ",\n",
+                   s.old_online_number + s.auth_result[0]);
+    display_printf("    \"redirect_range_500\": %" PRIu64 ",\n", rd[0]);
+    display_printf("    \"redirect_range_1000\": %" PRIu64 ",\n", rd[1]);
+    display_printf("    \"redirect_range_other\": %" PRIu64 ",\n", rd[2]);
+    display_printf("    \"auth_total\": %" PRIu64 ",\n", s.auth_total);
+    display_printf("    \"auth_success_count\": %" PRIu64 ",\n", s.auth_result[0]);
+    display_printf("    \"auth_range_1000\": %" PRIu64 ",\n", whole[0]);
+    display_printf("    \"auth_range_3000\": %" PRIu64 ",\n", whole[1]);
+    display_printf("    \"auth_range_other\": %" PRIu64 ",\n", whole[2]);
+    display_printf("    \"auth_range_1000_ex\": %" PRIu64 ",\n", ex_server[0]);
+    display_printf("    \"auth_range_3000_ex\": %" PRIu64 ",\n", ex_server[1]);
+    display_printf("    \"auth_range_other_ex\": %" PRIu64 ",\n", ex_server[2]);
     // The summary's offline total counts the abnormal offlines only.
-    cli_printf("    \"offline_total\": %" PRIu64 ",\n",
-               s.offline_reason[authmng::kWebauthPortalTimeout] +
-                   s.offline_reason[authmng::kWebauthSetFail] +
-                   s.offline_reason[authmng::kWebauthLinkChange]);
-    cli_printf("    \"offline_by_auth\": %" PRIu64 ",\n", offline_by_auth);
-    cli_printf("    \"average_online_time\": %u\n", s.average_online_time);
-    cli_printf("}\n");
-    cli_printf("\n");
+    display_printf("    \"offline_total\": %" PRIu64 ",\n",
+                   s.offline_reason[authmng::kWebauthPortalTimeout] +
+                       s.offline_reason[authmng::kWebauthSetFail] +
+                       s.offline_reason[authmng::kWebauthLinkChange]);
+    display_printf("    \"offline_by_auth\": %" PRIu64 ",\n", offline_by_auth);
+    display_printf("    \"average_online_time\": %u\n", s.average_online_time);
+    display_printf("}\n");
+    display_printf("\n");
 }
 
 extern "C" void authmng_show_webauth_tmp_file(void) {
     // The writer takes the library lock itself.
-    cli_printf("write webauth info to tmp.\n");
+    display_printf("write webauth info to tmp.\n");
     authmng_write_webauth_statistic_to_tmp();
 }
