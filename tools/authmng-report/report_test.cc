@@ -141,6 +141,15 @@ TEST(ReportRows, RestartedFilesCutRowsUnitsAndNamesWithCommas) {
     ASSERT_EQ(abnormal.rows.size(), 1u);
     EXPECT_EQ(abnormal.rows[0].fields[0], "a,b<script>window.pwned=1</script>");
     EXPECT_EQ(abnormal.rows[0].fields[1], "001a.2b3c.4d5e");
+    // The library quotes a name holding a comma or a quote, quotes doubled.
+    std::string quoted = kDot1xAbnormal;
+    const std::string name = "a,b<script>window.pwned=1</script>";
+    quoted.replace(quoted.find(name), name.size(),
+                   "\"a,\"\"b\"\"<script>window.pwned=1</script>\"");
+    abnormal = parse_file(FileKind::kDot1xAbnormal, "x", quoted, YearRule{kNewYearsDay, 0});
+    ASSERT_EQ(abnormal.rows.size(), 1u);
+    EXPECT_EQ(abnormal.rows[0].fields[0], "a,\"b\"<script>window.pwned=1</script>");
+    EXPECT_EQ(abnormal.rows[0].fields[1], "001a.2b3c.4d5e");
 
     ParsedFile log = parse_file(FileKind::kEscapeLog, "x", kEscapeLog, YearRule{});
     ASSERT_EQ(log.rows.size(), 3u);

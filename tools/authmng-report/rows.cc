@@ -39,12 +39,36 @@ std::string trim(const std::string &text) {
     return text.substr(first, last - first + 1);
 }
 
+// One row's fields. A field that starts with a quote is read as a quoted
+// field (doubled quotes inside it stand for one), as the library writes a
+// user name that holds a comma or a quote; other fields end at the next comma.
 std::vector<std::string> split(const std::string &line) {
     std::vector<std::string> fields;
     size_t start = 0;
     for (;;) {
-        size_t comma = line.find(',', start);
-        fields.push_back(trim(line.substr(start, comma - start)));
+        size_t comma;
+        if (line.compare(start, 1, "\"") == 0) {
+            std::string field;
+            size_t at = start + 1;
+            for (;;) {
+                size_t quote = line.find('"', at);
+                if (quote == std::string::npos) {  // unterminated: the rest as it stands
+                    field += line.substr(at);
+                    at = line.size();
+                    break;
+                }
+                field += line.substr(at, quote - at);
+                at = quote + 1;
+                if (line.compare(at, 1, "\"") != 0) break;
+                field += '"';
+                ++at;
+            }
+            fields.push_back(field);
+            comma = line.find(',', at);
+        } else {
+            comma = line.find(',', start);
+            fields.push_back(trim(line.substr(start, comma - start)));
+        }
         if (comma == std::string::npos) break;
         start = comma + 1;
     }
