@@ -4,6 +4,7 @@
 # developer tool run on demand; CI never runs it.
 #
 #   scripts/mutate.sh [--seed N] [--count N] [--build DIR] [--timeout S] [--list]
+#                     [--only FILE]
 #
 #   --seed     seed of the sample (default 1); the same seed and count give
 #              the same mutants on the same sources
@@ -12,6 +13,8 @@
 #              benchmarks, gold links the many test programs faster)
 #   --timeout  seconds per test case before ctest counts it failed (default 20)
 #   --list     print the sampled mutants and stop
+#   --only     run only the mutants of the sample whose key (the first word
+#              of each line of FILE, e.g. an earlier run's survivors) is listed
 #
 # The sample takes the same share from each folder. Faults: a swapped
 # operator (== !=, < <=, > >=, && ||, + -, ++ --, += -=), an integer
@@ -24,12 +27,13 @@
 # Each mutant is "killed" (a test failed), "survived", "no-compile" (skipped)
 # or "equivalent" (its object code is the original's: nothing observable
 # changed; not run, not scored). Score = killed / (killed + survived).
-# The survivors are listed in <build>/mutate-survivors.txt.
+# The survivors are listed in <build>/mutate-survivors.txt, each after its
+# key: the key stays the same while the line it sits on is unchanged.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
 
-seed=1 count=150 build=$root/build-mutate timeout=20 list=0
+seed=1 count=150 build=$root/build-mutate timeout=20 list=0 only=""
 while (($#)); do
     case $1 in
     --seed) seed=$2 && shift ;;
@@ -37,7 +41,8 @@ while (($#)); do
     --build) build=$(realpath -m "$2") && shift ;;
     --timeout) timeout=$2 && shift ;;
     --list) list=1 ;;
-    *) sed -n '2,27p' "$0" >&2 && exit 2 ;;
+    --only) only=$(realpath "$2") && shift ;;
+    *) sed -n '2,32p' "$0" >&2 && exit 2 ;;
     esac
     shift
 done
@@ -132,7 +137,7 @@ for i, folder in enumerate(folders):
 sample.sort(key=lambda x: (x[0], x[1], x[2]))
 print(f"# {len(sites)} sites, {len(sample)} sampled", file=sys.stderr)
 for f, k, col, old, new in sample:
-    print(f"{f}\t{k}\t{col}\t{old}\t{new}")
+    print(f"{rank((f, k, col, old, new))[:12]}\t{f}\t{k}\t{col}\t{old}\t{new}")
 EOF
 }
 
@@ -151,6 +156,9 @@ EOF
 }
 
 sample=$(generate)
+if [ -n "$only" ]; then
+    sample=$(awk 'NR == FNR { keep[$1] = 1; next } $1 in keep' "$only" - <<<"$sample")
+fi
 if ((list)); then
     echo "$sample"
     exit 0
@@ -187,7 +195,7 @@ declare -A killed survived
 total=0 nocompile=0 equivalent=0
 survivors=$build/mutate-survivors.txt
 : >"$survivors"
-while IFS=$'\t' read -r file line col old new; do
+while IFS=$'\t' read -r key file line col old new; do
     total=$((total + 1))
     obj=$(object "$file")
     stripped "$obj" "$build/mutate-before.o"
@@ -202,12 +210,12 @@ while IFS=$'\t' read -r file line col old new; do
         verdict=equivalent equivalent=$((equivalent + 1))
     elif nice ctest --test-dir "$build" -j2 --timeout "$timeout" --stop-on-failure -Q >/dev/null 2>&1; then
         verdict=survived survived[$folder]=$((${survived[$folder]:-0} + 1))
-        echo "$what" >>"$survivors"
+        echo "$key $what" >>"$survivors"
     else
         verdict=killed killed[$folder]=$((${killed[$folder]:-0} + 1))
     fi
     restore
-    printf '%3d %-10s %s\n' "$total" "$verdict" "$what"
+    printf '%3d %-10s %s %s\n' "$total" "$verdict" "$key" "$what"
 done <<<"$sample"
 nice cmake --build "$build" -j2 >/dev/null
 
