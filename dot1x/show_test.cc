@@ -129,7 +129,8 @@ TEST_F(Dot1xShowTest, CodeListsPrintEveryCodeOfTheirSpans) {
 TEST_F(Dot1xShowTest, SummaryLeavesOrdinaryOfflinesOut) {
     dot1x_.auth_total = 10, dot1x_.auth_result[0] = 6, dot1x_.auth_result[24] = 1;
     dot1x_.old_online_number = 5, dot1x_.reauth_total = 3, dot1x_.reauth_result[2] = 3;
-    dot1x_.offline_total = 10, dot1x_.offline_reason[0] = 6, dot1x_.offline_reason[31] = 1;
+    dot1x_.offline_total = 12, dot1x_.offline_reason[0] = 6, dot1x_.offline_reason[31] = 1;
+    dot1x_.offline_reason[6] = 2;
     dot1x_.offline_reason[7] = 3, dot1x_.range[0].count[2] = 0xFFFFFFFFull;
     authmng_show_dot1x_statistic_telnet(0);
     EXPECT_EQ(take_cli(),

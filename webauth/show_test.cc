@@ -62,8 +62,22 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
 
     authmng_show_webauth_statistic_telnet();
     out = take_cli();
-    expect_lines(out, {"    \"offline_total\": 4,", "    \"aggregate_online_number\": 8,",
-                       "    \"auth_range_3000\": 6,"});
+    expect_lines(out, {"    \"offline_total\": 4,", "    \"aggregate_online_number\": 8,"});
+
+    // Every bucket of the three histograms in its own place.
+    for (uint32_t i = 0; i < 9; ++i) s_.range[i / 3].count[i % 3] = i + 1;
+    authmng_show_webauth_statistic_telnet();
+    expect_lines(take_cli(), {"    \"auth_range_1000\": 1,", "    \"auth_range_3000\": 2,",
+                              "    \"auth_range_other\": 3,", "    \"auth_range_1000_ex\": 4,",
+                              "    \"auth_range_3000_ex\": 5,", "    \"auth_range_other_ex\": 6,",
+                              "    \"redirect_range_500\": 7,", "    \"redirect_range_1000\": 8,",
+                              "    \"redirect_range_other\": 9,"});
+    authmng_show_webauth_statistic();
+    expect_lines(take_cli(),
+                 {"  number of less than one second:........................1(16.667%).",
+                  "  number of between one and three second:................2(33.333%).",
+                  "  number of more than three second:......................3(50.000%).",
+                  "  number of less than one second(exclude server):........4(66.667%)."});
 }
 
 TEST_F(WebauthShowTest, AbnormalListShowsEveryFieldOfEveryRecord) {
