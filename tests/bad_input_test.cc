@@ -40,12 +40,6 @@ struct State {
     bool operator==(const State &other) const { return memcmp(this, &other, sizeof *this) == 0; }
 };
 
-size_t occurrences(const std::string &text, const std::string &part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-    return n;
-}
-
 // A name filling all 256 bytes, followed in the record by MAC bytes that
 // read as 'Z': a print that ran past the field would show a 'Z'.
 authmng_auth_info_t unterminated(int32_t kind, uint32_t event, uint32_t result) {
