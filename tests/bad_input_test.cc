@@ -9,6 +9,7 @@
 #include <string>
 
 #include "authmng_platform.h"
+#include "escape/check.h"
 #include "support/fixture.h"
 
 using namespace authmng_test;
@@ -80,6 +81,10 @@ TEST_F(BadInputTest, NullPointersAtEveryEntry) {
     EXPECT_EQ(verdict.escape_time + verdict.escape_ratio + verdict.reboot_enable, 0u);
     authmng_check_input_t totals = {1, 2, 3, 4, 5, 6};
     authmng_get_check_result(&totals, nullptr);
+    EXPECT_EQ(authmng_get_result_by_type(0, 5, 1, nullptr) +
+                  authmng_get_current_result(0, 5, 1, nullptr) +
+                  authmng_get_result_by_type(AUTHMNG_CHECK_TYPE_NUM, 5, 1, &verdict),
+              0);
     authmng_save_abnormal_log(nullptr);
     for (cli_handler_t handler :
          {authmng_escape_enable_cmd, authmng_escape_when_auth_cmd, authmng_escape_when_ratio_cmd,
