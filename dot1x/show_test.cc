@@ -82,6 +82,11 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
         authmng_show_dot1x_statistic(0);
         EXPECT_TRUE(has_line(take_cli(), " authentication success rssi avgvalue:.........-65dBm."));
     }
+    // Failures of both kinds and both rounds share the fail average: 400 / 8.
+    dot1x_.auth_result[1] = 1, dot1x_.auth_result[2] = 2, dot1x_.fail_rssi_sum = -400;
+    dot1x_.reauth_result[1] = 1, dot1x_.reauth_result[2] = 4;
+    authmng_show_dot1x_statistic(0);
+    EXPECT_TRUE(has_line(take_cli(), " authentication fail rssi avgvalue:............-50dBm."));
     dot1x_.auth_result[0] = 0xFFFFFFFFull, dot1x_.success_rssi_sum = INT32_MIN;
     authmng_show_dot1x_statistic(0);
     EXPECT_TRUE(

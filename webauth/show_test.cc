@@ -38,7 +38,7 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
     s_.range[2].count[0] = s_.range[2].count[1] = s_.range[2].count[2] = 1;  // redirects
     s_.old_online_number = 2, s_.offline_total = 4, s_.offline_reason[11] = 4;
     s_.aggregate_time[4] = 3000, s_.range[4].count[0] = 3, s_.range[4].count[1] = 1;
-    s_.range[0].count[1] = 6;
+    s_.range[0].count[1] = 6, s_.online_time_total = 3660;
     authmng_show_webauth_statistic();
     std::string out = take_cli();
     expect_lines(out, {"  number of authentication failures:.....................2(20.000%).",
@@ -50,7 +50,8 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
                        "  number of abnormal offline(rate):......................4(50.000%).",
                        "   number of portal timeout:.............................0(0.000%).",
                        "   number of set fail:...................................0(0.000%).",
-                       "   number of link change:................................4."});
+                       "   number of link change:................................4.",
+                       " aggregate online time:..................................61min"});
     // The AAA authentication block: average over the successes, share of
     // its own two ranges.
     EXPECT_NE(out.find("\nAAA authentication:\n"
