@@ -85,6 +85,7 @@ TEST_F(UnixSocketTest, MessagesKeepTheirBoundariesAndEndWithZeroAfterClose) {
     EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 1);
     EXPECT_EQ(authmng_unix_send(client, nullptr, 4) + authmng_unix_send(client, nullptr, 0), -2);
     EXPECT_EQ(authmng_unix_receive(server, buf, -1), -1);
+    EXPECT_EQ(authmng_unix_receive(-1, buf, sizeof(buf)), -1);  // an error ends the wait
 
     // The receive waits out an empty queue until the message arrives.
     std::thread late([client] {
