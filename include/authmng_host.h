@@ -58,6 +58,10 @@ AUTHMNG_HOST_API int authmng_host_cli_group_at(int index, int *point, const char
 AUTHMNG_HOST_API int authmng_host_cli_complete(const char *typed, const char *partial, char *buf,
                                                size_t size);
 
+/* Nonzero: "?" and completion also offer hidden keywords (a device's
+ * framework never does; a simulator's prompt may). Default off. */
+AUTHMNG_HOST_API void authmng_host_cli_list_hidden(int on);
+
 /* Debug registrations made with sys_add_debug so far; the name of the
  * latest one in *name when name is not NULL. */
 AUTHMNG_HOST_API int authmng_host_debug_registrations(const char **name);

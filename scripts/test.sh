@@ -12,12 +12,16 @@
 #   clang  clang build with -Werror, all tests
 #   mips   32-bit big-endian MIPS cross build, all tests under qemu-mips
 #   format every C and C++ source formatted as .clang-format says
+#   report the report of the simulator's day in headless Chromium: charts
+#          drawn, record filter working, hostile user names inert
 #   fuzz   libFuzzer targets (clang, ASan+UBSan), each run briefly over its
 #          seed corpus: AUTHMNG_FUZZ_SECONDS per target (default 20)
+#   e2e    authmng-hostapd on real 802.1X traffic (hostapd, wpa_supplicant,
+#          FreeRADIUS in network namespaces; skipped where none can be made)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-stages=${AUTHMNG_STAGES:-format main asan tsan clang mips fuzz}
+stages=${AUTHMNG_STAGES:-format main report asan tsan clang mips fuzz e2e}
 out=${AUTHMNG_BUILD_DIR:-$root/build}
 jobs=$(nproc)
 
@@ -30,7 +34,15 @@ done
 case " $stages " in *" clang "*) need clang ;; esac
 case " $stages " in *" fuzz "*) need clang; need libclang-rt-14-dev ;; esac
 case " $stages " in *" format "*) need clang-format ;; esac
+case " $stages " in *" report "*) need chromium ;; esac
 case " $stages " in *" mips "*) need g++-mips-linux-gnu; need qemu-user ;; esac
+case " $stages " in *" e2e "*)
+    for p in hostapd wpasupplicant freeradius freeradius-utils tcpdump iproute2 ssl-cert \
+        prometheus python3; do
+        need "$p"
+    done
+    ;;
+esac
 if ((${#packages[@]})); then
     export DEBIAN_FRONTEND=noninteractive
     apt-get update
@@ -95,9 +107,25 @@ stage_format() {
     echo "format: 1 passed, 0 failed"
 }
 
+# Reuses the main build when there is one.
+stage_report() {
+    cmake -S "$root" -B "$out" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build "$out" -j"$jobs" --target authmng-sim authmng-report
+    "$root/scripts/report-check.sh" "$out"
+}
+
 stage_mips() {
     configure_build_test "$out-mips" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mips-linux-gnu.cmake" \
         -DAUTHMNG_BUILD_TOOLS=OFF
+}
+
+# Real 802.1X traffic through authmng-hostapd (scripts/e2e.sh): namespaces,
+# FreeRADIUS, hostapd and wpa_supplicant; reuses the main build when there.
+stage_e2e() {
+    [[ -f $out/build.ninja ]] ||
+        cmake -S "$root" -B "$out" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build "$out" -j"$jobs" --target authmng-hostapd authmng-cli
+    "$root/scripts/e2e.sh" "$out"
 }
 
 # Every fuzz target over its seed corpus and what it finds on the way. New

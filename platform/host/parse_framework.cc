@@ -2,6 +2,7 @@
 // trees added with cli_add_command, lists the choices for "?", and
 // generates the saved configuration. The rules (exact keywords, hidden
 // keywords, refusal messages) are described in platform/README.md.
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +21,10 @@ constexpr int kMaxSteps = 4096;  // a walk longer than this means a cyclic tree
 constexpr int kMaxDepth = 64;    // depth of the saved-configuration walk
 constexpr int kMaxChoices = 64;  // lines of one "?" listing
 constexpr size_t kChoiceSize = 48;
+
+// Whether "?" and completion offer hidden keywords too (a simulator's
+// prompt does, so that a newcomer finds the configuration lines).
+std::atomic<bool> g_list_hidden{false};
 
 struct SlotEntry {
     uint32_t id;
@@ -136,7 +141,7 @@ struct Choices {
         if (node->action == common_keyword_action) {
             auto *arg = static_cast<const cli_keyword_arg_t *>(node->arg);
             if (arg == nullptr || arg->keyword == nullptr) return;
-            if ((arg->attr1 & CLI_KW_ATTR_HIDDEN_BIT) != 0) return;
+            if ((arg->attr1 & CLI_KW_ATTR_HIDDEN_BIT) != 0 && !g_list_hidden.load()) return;
             add(arg->keyword, arg->help);
         } else if (node->action == common_number_action) {
             auto *arg = static_cast<const cli_number_arg_t *>(node->arg);
@@ -485,6 +490,10 @@ int authmng_host_cli_exec(const char *line) {
     }
     report_refusal(typed, outcome);
     return -1;
+}
+
+void authmng_host_cli_list_hidden(int on) {
+    g_list_hidden.store(on != 0);
 }
 
 int authmng_host_cli_complete(const char *typed, const char *partial, char *buf, size_t size) {

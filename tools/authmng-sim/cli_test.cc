@@ -28,10 +28,15 @@ protected:
         root_ = root_dir();
     }
 
-    // Runs the simulator with arguments; its exit status, output and errors.
-    int run(const std::string &args) {
+    // Runs the simulator with arguments and input; its exit status, output
+    // and errors.
+    int run(const std::string &args, const std::string &input = "") {
+        std::string in = root_ + "/stdin";
+        FILE *f = fopen(in.c_str(), "w");
+        fputs(input.c_str(), f);
+        fclose(f);
         std::string command = std::string("TZ=UTC ") + AUTHMNG_SIM_PATH + " " + args + " >" +
-                              root_ + "/stdout 2>" + root_ + "/stderr </dev/null";
+                              root_ + "/stdout 2>" + root_ + "/stderr <" + in;
         int status = system(command.c_str());
         out_ = read_file(root_ + "/stdout");
         err_ = read_file(root_ + "/stderr");
@@ -90,6 +95,31 @@ TEST_F(SimCliTest, RefusedCommandLinesMakeTheStatusNonZero) {
                   "--cmd 'show dot1x authmng nonsense'"),
               1);
     EXPECT_NE(out_.find("commands: 1 run, 1 refused"), std::string::npos) << out_;
+}
+
+TEST_F(SimCliTest, ASecondRunIntoTheSameFolderNeedsAppend) {
+    std::string out = " --hours 0.6 --quiet --out " + root_ + "/out";
+    ASSERT_EQ(run(out + " --debug"), 0) << err_;
+    EXPECT_NE(err_.find("AUTHMNG_LIB_EVENT_DBG: [authmng_timer_proc line:"), std::string::npos)
+        << "--debug shows the replay's own debug lines";
+    std::string first = read_file(root_ + "/out/tmp/security/authmanage/dot1x/dot1x_statistic.csv");
+    EXPECT_EQ(run(out), 2);
+    EXPECT_NE(err_.find("is not empty"), std::string::npos) << err_;
+    EXPECT_NE(err_.find("--append"), std::string::npos) << err_;
+    ASSERT_EQ(run(out + " --append"), 0) << err_;
+    std::string both = read_file(root_ + "/out/tmp/security/authmanage/dot1x/dot1x_statistic.csv");
+    EXPECT_EQ(both.size(), 2 * first.size() - first.find('\n') - 1) << "rows added, no header";
+}
+
+TEST_F(SimCliTest, ThePromptOffersTheConfigurationWords) {
+    ASSERT_EQ(run("--client webauth --hours 0.1 -i --out " + root_ + "/out",
+                  "?\nauthmanage user-escape ?\nauthmanage user-escape time 31\nexit\n"),
+              0)
+        << err_;
+    EXPECT_NE(out_.find("  authmanage            config authmanage\n"), std::string::npos) << out_;
+    EXPECT_NE(out_.find("  time                  escape time\n"), std::string::npos) << out_;
+    // The day's own "authmanage user-escape enable" and the three lines typed.
+    EXPECT_NE(out_.find("commands: 4 run, 0 refused"), std::string::npos) << out_;
 }
 
 TEST_F(SimCliTest, AWrittenDayReplaysToTheSameFiles) {

@@ -1,5 +1,6 @@
 // authmng-sim: runs the library as a daemon would, on a trace or on a
 // built-in day, with the library's timer on virtual time.
+#include <dirent.h>
 #include <getopt.h>
 #include <sys/stat.h>
 
@@ -28,7 +29,8 @@ void usage(FILE *out) {
             "usage: authmng-sim [options]\n"
             "  --client dot1x|webauth|cpp  the daemon to play (default dot1x)\n"
             "  --out DIR                   output: DIR/tmp is TMPDIR, DIR/flash the flash home\n"
-            "                              (default ./authmng-out)\n"
+            "                              (default ./authmng-out; refused when not empty)\n"
+            "  --append                    add to the files already in a non-empty --out\n"
             "  --trace FILE                replay a trace file ('-' for standard input)\n"
             "  --strict                    stop at the first bad trace line\n"
             "  --seed N                    built-in day: random seed (default 1)\n"
@@ -55,6 +57,7 @@ struct Options {
     std::string start;
     std::string until;
     bool strict = false;
+    bool append = false;
     bool interactive = false;
     bool debug = false;
     bool quiet = false;
@@ -74,6 +77,7 @@ int parse_options(int argc, char **argv, Options *options) {
     enum {
         kClient = 1000,
         kOut,
+        kAppend,
         kTrace,
         kStrict,
         kSeed,
@@ -89,6 +93,7 @@ int parse_options(int argc, char **argv, Options *options) {
     static const struct option longs[] = {
         {"client", required_argument, nullptr, kClient},
         {"out", required_argument, nullptr, kOut},
+        {"append", no_argument, nullptr, kAppend},
         {"trace", required_argument, nullptr, kTrace},
         {"strict", no_argument, nullptr, kStrict},
         {"seed", required_argument, nullptr, kSeed},
@@ -123,6 +128,9 @@ int parse_options(int argc, char **argv, Options *options) {
                 break;
             case kOut:
                 options->out = optarg;
+                break;
+            case kAppend:
+                options->append = true;
                 break;
             case kTrace:
                 options->trace = optarg;
@@ -221,6 +229,36 @@ int write_day_trace(const Options &options, int64_t start) {
     return 0;
 }
 
+// Whether dir exists and holds anything.
+bool has_entries(const std::string &dir) {
+    DIR *d = opendir(dir.c_str());
+    if (d == nullptr) return false;
+    bool found = false;
+    while (struct dirent *entry = readdir(d)) {
+        if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) {
+            found = true;
+            break;
+        }
+    }
+    closedir(d);
+    return found;
+}
+
+// Starts the library at begin. Start-up turns the debug switches off, so
+// --debug sets them here, before the first event.
+bool start_daemon(const Options &options, int64_t begin, Simulator *simulator) {
+    std::string why;
+    if (!simulator->start(options.client, options.out, begin, &why)) {
+        fprintf(stderr, "authmng-sim: %s\n", why.c_str());
+        return false;
+    }
+    if (options.debug) {
+        g_authmng_lib_event_dbg = 1;
+        g_authmng_lib_error_dbg = 1;
+    }
+    return true;
+}
+
 // Replays a trace; the number of bad lines, or -1 when --strict stopped.
 // start: when the daemon starts, or 0 for the time of the first event.
 long replay_trace(const Options &options, int64_t start, Simulator *simulator, bool *started) {
@@ -258,10 +296,7 @@ long replay_trace(const Options &options, int64_t start, Simulator *simulator, b
             continue;
         }
         if (!*started) {
-            std::string why;
-            int64_t begin = start != 0 ? start : event.time;
-            if (!simulator->start(options.client, options.out, begin, &why)) {
-                fprintf(stderr, "authmng-sim: %s\n", why.c_str());
+            if (!start_daemon(options, start != 0 ? start : event.time, simulator)) {
                 bad = -1;
                 break;
             }
@@ -297,11 +332,14 @@ int main(int argc, char **argv) {
         return 2;
     }
     if (!options.write_trace.empty()) return write_day_trace(options, start);
-
-    if (options.debug) {
-        g_authmng_lib_event_dbg = 1;
-        g_authmng_lib_error_dbg = 1;
+    if (!options.append && has_entries(options.out)) {
+        fprintf(stderr,
+                "authmng-sim: --out %s is not empty: this run's rows would be appended to the "
+                "files there. Choose an empty folder, remove it, or give --append.\n",
+                options.out.c_str());
+        return 2;
     }
+
     Simulator simulator;
     bool started = false;
     long bad = 0;
@@ -310,11 +348,7 @@ int main(int argc, char **argv) {
         if (bad < 0) return 1;
     }
     if (!started) {
-        std::string why;
-        if (!simulator.start(options.client, options.out, start, &why)) {
-            fprintf(stderr, "authmng-sim: %s\n", why.c_str());
-            return 1;
-        }
+        if (!start_daemon(options, start, &simulator)) return 1;
         started = true;
         if (options.trace.empty()) {
             DayOptions day = options.day;
@@ -329,11 +363,6 @@ int main(int argc, char **argv) {
             });
             simulator.advance_to(end);
         }
-    }
-    if (options.debug) {
-        // The switches are set again: start-up turns them off.
-        g_authmng_lib_event_dbg = 1;
-        g_authmng_lib_error_dbg = 1;
     }
     if (until > simulator.now()) simulator.advance_to(until);
 

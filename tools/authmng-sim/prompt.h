@@ -1,5 +1,6 @@
 // The interactive prompt: every show, debug and configuration command of
-// the client, with history, line editing, "?" help and tab completion.
+// the client, with history, line editing, "?" help, tab completion and
+// Ctrl-C to cancel the line.
 #ifndef AUTHMNG_SIM_PROMPT_H
 #define AUTHMNG_SIM_PROMPT_H
 

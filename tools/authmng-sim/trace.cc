@@ -432,6 +432,9 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
         *error = std::string("time '") + time_word + "' goes back before the previous line";
         return ParseResult::Error;
     }
+    // A valid time counts even when the rest of the line is refused: a "+N"
+    // on the next line counts from it.
+    previous_ = when;
 
     const char *kind_word = next_word(&length);
     std::size_t kind = kKindCount;
@@ -460,7 +463,6 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
             *error = "cmd without a command line";
             return ParseResult::Error;
         }
-        previous_ = when;
         return ParseResult::Event;
     }
 
@@ -499,7 +501,6 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
             return ParseResult::Error;
         }
     }
-    previous_ = when;
     return ParseResult::Event;
 }
 

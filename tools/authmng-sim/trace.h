@@ -3,8 +3,9 @@
 //   <time> <kind> [field=value ...]
 //
 // <time> is YYYY-MM-DDTHH:MM:SS (local time), @<epoch seconds>, or +<seconds>
-// after the previous line. Blank lines and lines starting with '#' are
-// skipped. See README.md for the kinds and their fields.
+// after the previous line (a refused line with a valid time counts as one).
+// Blank lines and lines starting with '#' are skipped. See README.md for the
+// kinds and their fields.
 #ifndef AUTHMNG_SIM_TRACE_H
 #define AUTHMNG_SIM_TRACE_H
 

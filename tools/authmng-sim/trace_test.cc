@@ -122,6 +122,15 @@ TEST_F(TraceTest, ErrorsNameTheFieldAndWhatIsWrong) {
     ASSERT_EQ(parse("2026-03-09T10:00:00 dot1x-auth"), ParseResult::Event);
     EXPECT_EQ(error_message("2026-03-09T09:59:59 dot1x-auth"),
               "time '2026-03-09T09:59:59' goes back before the previous line");
+    // A refused line with a valid time moves the time on; one whose time is
+    // refused does not.
+    EXPECT_EQ(error_message("2026-03-09T10:05:00 dot1x-auth speed=3"),
+              "field 'speed': no such field for dot1x-auth");
+    ASSERT_EQ(parse("+10 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(format_time(event_.time), "2026-03-09T10:05:10");
+    EXPECT_EQ(parse("2026-03-09T10:00:00 dot1x-auth"), ParseResult::Error);
+    ASSERT_EQ(parse("+1 dot1x-auth"), ParseResult::Event);
+    EXPECT_EQ(format_time(event_.time), "2026-03-09T10:05:11");
 }
 
 TEST_F(TraceTest, WrittenEventsReadBackUnchanged) {

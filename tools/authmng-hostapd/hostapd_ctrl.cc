@@ -1,0 +1,108 @@
+#include "hostapd_ctrl.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+#include "mono_clock.h"
+
+namespace authmng_hostapd {
+namespace {
+
+bool fill_address(const std::string &path, sockaddr_un *addr) {
+    memset(addr, 0, sizeof *addr);
+    addr->sun_family = AF_UNIX;
+    if (path.size() >= sizeof addr->sun_path) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    memcpy(addr->sun_path, path.c_str(), path.size() + 1);
+    return true;
+}
+
+}  // namespace
+
+bool CtrlSocket::open(const std::string &server_path, const std::string &local_path) {
+    close();
+    sockaddr_un local, server;
+    if (!fill_address(local_path, &local) || !fill_address(server_path, &server)) return false;
+    fd_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (fd_ < 0) return false;
+    (void)unlink(local_path.c_str());
+    local_path_ = local_path;
+    if (bind(fd_, reinterpret_cast<sockaddr *>(&local), sizeof local) != 0 ||
+        connect(fd_, reinterpret_cast<sockaddr *>(&server), sizeof server) != 0) {
+        int saved = errno;
+        close();
+        errno = saved;
+        return false;
+    }
+    return true;
+}
+
+void CtrlSocket::close() {
+    if (fd_ >= 0) ::close(fd_);
+    fd_ = -1;
+    if (!local_path_.empty()) (void)unlink(local_path_.c_str());
+    local_path_.clear();
+}
+
+bool CtrlSocket::request(const char *command, std::string *reply, int timeout_ms) {
+    if (fd_ < 0) return false;
+    char buffer[kCtrlBufferSize];
+    while (recv(fd_, buffer, sizeof buffer, 0) > 0) {
+    }
+    if (send(fd_, command, strlen(command), 0) < 0) return false;
+    pollfd pfd = {fd_, POLLIN, 0};
+    if (poll(&pfd, 1, timeout_ms) <= 0) return false;
+    ssize_t got = recv(fd_, buffer, sizeof buffer, 0);
+    if (got < 0) return false;
+    reply->assign(buffer, static_cast<size_t>(got));
+    return true;
+}
+
+void CtrlSocket::stamp_arrivals() {
+    int on = 1;
+    if (fd_ >= 0) setsockopt(fd_, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
+}
+
+ssize_t CtrlSocket::receive(char *buffer, size_t size, int64_t *arrival_us) {
+    if (fd_ < 0) return -1;
+    iovec iov = {buffer, size};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(timespec))];
+    msghdr msg;
+    memset(&msg, 0, sizeof msg);
+    msg.msg_iov = &iov;
+    msg.msg_iovlen = 1;
+    msg.msg_control = control;
+    msg.msg_controllen = sizeof control;
+    ssize_t got = recvmsg(fd_, &msg, 0);
+    if (got < 0) return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    int64_t now = monotonic_us();
+    *arrival_us = now;
+    for (cmsghdr *c = CMSG_FIRSTHDR(&msg); c != nullptr; c = CMSG_NXTHDR(&msg, c)) {
+        if (c->cmsg_level != SOL_SOCKET || c->cmsg_type != SCM_TIMESTAMPNS) continue;
+        timespec wall, arrival;
+        memcpy(&arrival, CMSG_DATA(c), sizeof arrival);
+        clock_gettime(CLOCK_REALTIME, &wall);
+        // The arrival on the wall clock, moved onto the monotonic one.
+        int64_t age = (static_cast<int64_t>(wall.tv_sec) - arrival.tv_sec) * 1000000 +
+                      (wall.tv_nsec - arrival.tv_nsec) / 1000;
+        if (age >= 0 && age < 10000000) *arrival_us = now - age;
+    }
+    return got;
+}
+
+unsigned long long socket_identity(const std::string &path) {
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0) return 0;
+    return (static_cast<unsigned long long>(st.st_dev) << 32) ^ st.st_ino;
+}
+
+}  // namespace authmng_hostapd
