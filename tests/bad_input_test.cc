@@ -85,6 +85,8 @@ TEST_F(BadInputTest, NullPointersAtEveryEntry) {
                   authmng_get_current_result(0, 5, 1, nullptr) +
                   authmng_get_result_by_type(AUTHMNG_CHECK_TYPE_NUM, 5, 1, &verdict),
               0);
+    authmng_compare_with_pre_result(nullptr, &verdict);
+    authmng_compare_with_pre_result(&g_authmng_check[0], nullptr);
     authmng_save_abnormal_log(nullptr);
     for (cli_handler_t handler :
          {authmng_escape_enable_cmd, authmng_escape_when_auth_cmd, authmng_escape_when_ratio_cmd,
