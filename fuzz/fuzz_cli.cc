@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     Input in(data, size);
     std::string said;
-    while (!in.empty()) {
+    for (Steps steps(in); steps.next();) {
         const std::string line = in.line(kMaxLine);
         const Settings before = Settings::take();
         const int rc = exec(line, &said);

@@ -4,6 +4,8 @@
 // keeps its bounds, the first report after switching on only sets the
 // baseline, the escape log stays near its size limit, and the debug dump
 // prints exactly the samples the rings hold.
+#include <algorithm>
+
 #include "core/lock.h"
 #include "fuzz_support.h"
 
@@ -15,6 +17,8 @@ constexpr uint32_t kRing = AUTHMNG_CHECK_RING_SIZE;
 // The log is emptied once past 1000 bytes; an entry is a ctime line (25)
 // and a check line of at most 29 characters.
 constexpr long kLogBound = 1000 + 25 + 29;
+// Steps per input: an abnormal report appends to the escape log.
+constexpr int kMaxReports = 24;
 
 bool no_history() {
     const authmng_info_record_t &p = g_authmng_info_record;
@@ -29,6 +33,10 @@ size_t samples_held() {
             n += (check.abnormal_value[i] != 0) + (check.recent_value[i] != 0);
     }
     return n;
+}
+
+void check_log_bound() {
+    FUZZ_CHECK(file_size(sandbox() + "/tmp/security/authmanage/log.txt") <= kLogBound);
 }
 
 void report(Input &in) {
@@ -46,8 +54,18 @@ void report(Input &in) {
         in.bytes(&totals, sizeof totals);
     }
     const bool open = g_authmng_check_open != 0, baseline_only = open && no_history();
-    authmng_check_t before[AUTHMNG_CHECK_TYPE_NUM];
-    memcpy(before, g_authmng_check, sizeof before);
+    // The whole state (rings included) only where it must stay as it is.
+    static authmng_check_t before[AUTHMNG_CHECK_TYPE_NUM];
+    const bool evaluated = open && !baseline_only;
+    if (evaluated) {
+        for (uint32_t type = 0; type < AUTHMNG_CHECK_TYPE_NUM; ++type) {
+            const authmng_check_t &c = g_authmng_check[type];
+            before[type].total_count = c.total_count, before[type].escape_count = c.escape_count;
+            before[type].abnormal_count = c.abnormal_count;
+        }
+    } else {
+        memcpy(before, g_authmng_check, sizeof before);
+    }
     const authmng_info_record_t previous = g_authmng_info_record;
 
     authmng_check_result_t verdict;
@@ -58,7 +76,7 @@ void report(Input &in) {
     FUZZ_CHECK(verdict.escape_ratio == 0 || verdict.escape_ratio == 100);
     FUZZ_CHECK(verdict.escape_time == 0 || verdict.escape_time == g_authmng_escape_time);
     FUZZ_CHECK(verdict.reboot_enable <= 1);
-    if (!open || baseline_only) {  // nothing evaluated, nothing decided
+    if (!evaluated) {  // nothing evaluated, nothing decided
         FUZZ_CHECK(verdict.escape_ratio == 0 && verdict.escape_time == 0 &&
                    verdict.reboot_enable == 0);
         FUZZ_CHECK(memcmp(before, g_authmng_check, sizeof before) == 0);
@@ -79,7 +97,11 @@ void report(Input &in) {
         FUZZ_CHECK(c.escape_count < (g_authmng_escape_life > 0 ? g_authmng_escape_life : 1) ||
                    c.escape_count == before[type].escape_count);
     }
-    FUZZ_CHECK(file_size(sandbox() + "/tmp/security/authmanage/log.txt") <= kLogBound);
+    bool logged = false;  // an abnormal sample adds an entry to the escape log
+    for (uint32_t type = 0; type < AUTHMNG_CHECK_TYPE_NUM; ++type) {
+        logged = logged || g_authmng_check[type].abnormal_count != before[type].abnormal_count;
+    }
+    if (logged) check_log_bound();
 }
 
 void configure(Input &in) {
@@ -105,6 +127,15 @@ void configure(Input &in) {
     authmng_host_clock_fail((how & 0x30) == 0x30);
 }
 
+// The rings as after a long run: each position near or at its end, so the
+// next samples wrap.
+void wear(Input &in) {
+    for (authmng_check_t &check : g_authmng_check) {
+        check.recent_pos = static_cast<uint16_t>(kRing - in.below(3));
+        check.abnormal_pos = static_cast<uint16_t>(kRing - in.below(3));
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
@@ -120,26 +151,29 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     authmng_host_clock_fail(0), authmng_host_clock_set(kFuzzClock);
     g_authmng_lib_event_dbg = g_authmng_lib_error_dbg = 0;
     Input in(data, size);
-    while (!in.empty()) {
-        const uint32_t op = in.below(8);
-        if (op == 0) {
+    for (Steps steps(in, kMaxReports); steps.next();) {
+        const uint32_t op = in.below(16);  // the dump reads every ring: rarely
+        if (op <= 1) {
             configure(in);
-        } else if (op == 1) {  // the dump prints every sample the rings hold
-            std::string dump = capture_cli(authmng_debug_webauth_check_info);
+        } else if (op == 2) {
+            wear(in);
+        } else if (op == 3 && steps.heavy()) {  // the dump prints every sample the rings hold
+            const std::string &dump = capture_cli(authmng_debug_webauth_check_info);
             size_t values = 0;  // "%u " each, on lines of digits and blanks only
             for (size_t at = 0, end; at < dump.size(); at = end + 1) {
                 end = dump.find('\n', at);
-                std::string line = dump.substr(at, end - at);
-                if (!line.empty() && line.find_first_not_of("0123456789 ") == std::string::npos) {
-                    values += count_of(line, ' ');
+                const size_t length = (end == std::string::npos ? dump.size() : end) - at;
+                if (length > 0 && dump.find_first_not_of("0123456789 ", at) >= at + length) {
+                    values += std::count(dump.begin() + at, dump.begin() + at + length, ' ');
                 }
                 if (end == std::string::npos) break;
             }
             FUZZ_CHECK(values == samples_held());
             FUZZ_CHECK(count_of(capture_cli(authmng_show_check_info), '\n') == 10);
-        } else {
+        } else if (op > 3) {
             report(in);
         }
     }
+    check_log_bound();
     return 0;
 }

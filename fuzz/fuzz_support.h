@@ -83,21 +83,42 @@ const std::string &sandbox();
 // The stream that takes the output nobody reads.
 FILE *discard();
 
-// What the calls of f printed through cli_printf.
+// Where capture_cli collects: one stream and one buffer kept for the whole
+// run, so a capture allocates nothing once the buffer has grown.
+FILE *capture_begin();
+const std::string &capture_end();
+
+// What the calls of f printed through cli_printf; valid up to the next
+// capture.
 template <typename F>
-std::string capture_cli(F &&f) {
-    char *buf = nullptr;
-    size_t len = 0;
-    FILE *out = open_memstream(&buf, &len);
-    authmng_host_cli_output(out);
+const std::string &capture_cli(F &&f) {
+    authmng_host_cli_output(capture_begin());
     f();
-    fflush(out);
     authmng_host_cli_output(discard());
-    std::string text(buf, len);
-    fclose(out);
-    free(buf);
-    return text;
+    return capture_end();
 }
+
+// How much one input may do. A step that prints a display, dumps or writes
+// a file costs a hundred cheap ones, so an input runs at most kMaxSteps
+// steps (fewer where most steps write a file), of which at most kMaxHeavySteps heavy ones (a heavy
+// step past that is left out); the rest of a longer input is not used. Every input then finishes in
+// well under a millisecond, and the state a long run builds up comes from steps that set it
+// directly (e.g. counters at their limits).
+class Steps {
+public:
+    static constexpr int kMaxSteps = 48;
+    static constexpr int kMaxHeavySteps = 1;
+
+    explicit Steps(const Input &in, int max_steps = kMaxSteps) : in_(in), max_(max_steps) {}
+    bool next() { return !in_.empty() && steps_++ < max_; }
+    bool heavy() { return heavy_++ < kMaxHeavySteps; }
+
+private:
+    const Input &in_;
+    const int max_;
+    int steps_ = 0, heavy_ = 0;
+};
+
 // The valid codes of a daemon's event records: 0 to count - 1 each.
 struct EventCodes {
     uint32_t events, results, offline_reasons;

@@ -139,7 +139,8 @@ stage_fuzz() {
     cmake --build "$dir" -j"$jobs"
     mkdir -p "$dir/artifacts"
     local target scratch options runs
-    for target in fuzz_dot1x_intake fuzz_webauth_intake fuzz_cli fuzz_tlv fuzz_paths fuzz_escape; do
+    for target in fuzz_dot1x_intake fuzz_webauth_intake fuzz_cli fuzz_tlv fuzz_paths fuzz_escape \
+        fuzz_trace; do
         scratch=$(mktemp -d)
         options=(-max_total_time="$seconds" -print_final_stats=1
             -artifact_prefix="$dir/artifacts/$target-")

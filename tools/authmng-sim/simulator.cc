@@ -7,6 +7,7 @@
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <vector>
 
 #include "authmng_host.h"
@@ -51,6 +52,31 @@ void list_files(const std::string &root, const std::string &relative,
         }
     }
     closedir(dir);
+}
+
+// Ticks from the one at `at` on, at most `left`, that find nothing due: the
+// statistics are off, or the interval write is still ahead and no tick falls
+// in the daily write's window. Such a tick only counts the interval down and
+// the ticks since the daily write up (and samples the cpp counter, which
+// stays as it is while no event comes).
+int64_t idle_ticks(int64_t at, int64_t left) {
+    if (!__atomic_load_n(&g_authmng_statistic_enable, __ATOMIC_RELAXED)) return left;
+    const uint32_t before_due = g_authmng_interval - 1u;  // the due tick makes it 0
+    int64_t idle = left < before_due ? left : before_due;
+    const uint32_t hour = __atomic_load_n(&g_authmng_write_file_clock, __ATOMIC_RELAXED);
+    if (hour > 23 || idle == 0) return idle;
+    // The window is the first two minutes of its local hour. Up to the next
+    // local hour no tick enters it when the offset from UTC stays the same.
+    time_t first = static_cast<time_t>(at);
+    struct tm tm;
+    if (localtime_r(&first, &tm) == nullptr) return 0;
+    if (static_cast<uint32_t>(tm.tm_hour) == hour && tm.tm_min < 2) return 0;
+    const long offset = tm.tm_gmtoff;
+    const int64_t same_hour = 60 - tm.tm_min;
+    if (same_hour < idle) idle = same_hour;
+    time_t last = static_cast<time_t>(at + (idle - 1) * kTickSeconds);
+    if (localtime_r(&last, &tm) == nullptr || tm.tm_gmtoff != offset) return 1;
+    return idle;
 }
 
 }  // namespace
@@ -101,6 +127,11 @@ bool Simulator::start(int32_t client_type, const std::string &out_dir, int64_t s
 
 void Simulator::advance_to(int64_t time) {
     while (next_tick_ <= time) {
+        const int64_t idle = idle_ticks(next_tick_, (time - next_tick_) / kTickSeconds + 1);
+        if (idle > 0) {
+            pass_idle_ticks(idle);
+            continue;
+        }
         authmng_host_clock_set(next_tick_);
         authmng_timer_proc();
         ++ticks_;
@@ -108,6 +139,18 @@ void Simulator::advance_to(int64_t time) {
     }
     if (time > now_) now_ = time;
     authmng_host_clock_set(now_);
+}
+
+void Simulator::pass_idle_ticks(int64_t count) {
+    if (__atomic_load_n(&g_authmng_statistic_enable, __ATOMIC_RELAXED)) {
+        g_authmng_no_write_count += static_cast<uint32_t>(count);
+        g_authmng_interval -= static_cast<uint32_t>(count);
+        if (client_ == AUTHMNG_CLIENT_CPP && sample_cpp(0) > g_authmng_max_cpp) {
+            g_authmng_max_cpp = sample_cpp(0);
+        }
+    }
+    ticks_ += count;
+    next_tick_ += count * kTickSeconds;
 }
 
 void Simulator::deliver(const TraceEvent &event) {

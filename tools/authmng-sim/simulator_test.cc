@@ -72,6 +72,32 @@ TEST_F(SimulatorTest, TicksCrossADayBoundary) {
     EXPECT_NE(tmp_file(kStatistic).find("\n03.10 00:10:00,dot1x,0, "), std::string::npos);
 }
 
+// Days of idle minutes pass at once, yet every daily window and interval
+// write falls on its minute, also where the clock goes forward an hour
+// (Berlin, 2026-03-29 02:00 CET -> 03:00 CEST: write hour 3 comes an hour
+// after hour 1).
+TEST_F(SimulatorTest, IdleDaysKeepEveryWriteOnItsMinute) {
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    tzset();
+    std::string error;
+    ASSERT_TRUE(sim_.start(AUTHMNG_CLIENT_DOT1X, out(), at("2026-03-27T12:00:00"), &error));
+    ASSERT_EQ(sim_.run_command("debug dot1x authmng write-clock 3"), 0);
+    sim_.advance_to(at("2026-03-30T12:00:00"));  // 72 hours, one of them skipped by the clock
+    EXPECT_EQ(sim_.ticks(), 71 * 60);
+    std::string daily = flash_file(kStatistic);
+    EXPECT_EQ(count_lines(daily), 1u + 3 * 2) << daily;
+    for (const char *day :
+         {"\n03.28 03:00:00,mab,", "\n03.29 03:00:00,mab,", "\n03.30 03:00:00,mab,"}) {
+        EXPECT_NE(daily.find(day), std::string::npos) << day << daily;
+    }
+    std::string interval = tmp_file(kStatistic);
+    EXPECT_EQ(count_lines(interval), 1u + 71 * 2 * 2);
+    EXPECT_NE(interval.find("\n03.29 01:30:00,mab,"), std::string::npos);
+    EXPECT_NE(interval.find("\n03.29 03:00:00,mab,"), std::string::npos);
+    const std::string last = "\n03.30 12:00:00,mab,0, 0, 0, ,0, 0, 0, , 0, 0, 0\n";
+    EXPECT_EQ(interval.substr(interval.size() - last.size()), last);
+}
+
 TEST_F(SimulatorTest, ReplayedTraceGivesTheCountersAndRowsWrittenOutByHand) {
     const char *trace[] = {
         "2026-03-09T00:59:30 dot1x-auth online_num=4 auth_time=400 sta_time=100 self_time=20 "

@@ -344,13 +344,19 @@ std::string format_time(int64_t epoch) {
     return text;
 }
 
-bool parse_time(const char *text, int64_t previous, int64_t *epoch) {
+namespace {
+
+// The time a time word names, not yet held to the horizon (a step past the
+// largest time gives the largest time); false when the word is no time.
+bool read_time(const char *text, int64_t previous, int64_t *epoch) {
     if (text == nullptr) return false;
     std::size_t size = strlen(text);
     uint64_t number = 0;
     if (text[0] == '+') {
         if (!parse_unsigned(text + 1, INT32_MAX, &number)) return false;
-        *epoch = previous + static_cast<int64_t>(number);
+        if (__builtin_add_overflow(previous, static_cast<int64_t>(number), epoch)) {
+            *epoch = INT64_MAX;
+        }
         return true;
     }
     if (text[0] == '@') {
@@ -402,6 +408,12 @@ bool parse_time(const char *text, int64_t previous, int64_t *epoch) {
     return true;
 }
 
+}  // namespace
+
+bool parse_time(const char *text, int64_t previous, int64_t *epoch) {
+    return read_time(text, previous, epoch) && *epoch <= kLatestTime;
+}
+
 ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string *error) {
     const char *p = line;
     while (*p == ' ' || *p == '\t') ++p;
@@ -423,9 +435,19 @@ ParseResult TraceParser::parse(const char *line, TraceEvent *event, std::string 
     std::size_t length = 0;
     const char *time_word = next_word(&length);
     int64_t when = 0;
-    if (!parse_time(time_word, previous_, &when)) {
+    if (!read_time(time_word, previous_, &when)) {
         *error =
             std::string("bad time '") + time_word + "' (YYYY-MM-DDTHH:MM:SS, @epoch or +seconds)";
+        return ParseResult::Error;
+    }
+    if (when > kLatestTime) {
+        *error = std::string("time '") + time_word +
+                 "' is past 2099-12-31T23:59:59 UTC, the latest the simulator runs to";
+        return ParseResult::Error;
+    }
+    if (previous_ != 0 && when - previous_ > kLongestStep) {
+        *error =
+            std::string("time '") + time_word + "' is more than 366 days after the previous line";
         return ParseResult::Error;
     }
     if (when < previous_) {

@@ -51,7 +51,8 @@ enum class ParseResult { Skipped, Event, Error };
 
 class TraceParser {
 public:
-    // previous_time: the time that a first "+N" counts from.
+    // previous_time: the time that a first "+N" counts from; 0 when the
+    // first line names the start (it may then be any time to the horizon).
     explicit TraceParser(int64_t previous_time) : previous_(previous_time) {}
 
     // Parses one line (without or with its line end). On Error, *error says
@@ -67,8 +68,18 @@ private:
 // built-in day out as a trace).
 std::string format_event(const TraceEvent &event);
 
+// The horizon of a trace line: no later than 2099-12-31T23:59:59 UTC (far
+// past any device's service life and past 2038, and every time plus a step
+// stays well inside 64 bits), and no more than 366 days after the previous
+// line or the start. Idle minutes pass at once, but the interval writes of a
+// longer jump (one every 30 minutes by default) would take the simulator
+// many seconds; such a jump is a mistyped time.
+constexpr int64_t kLatestTime = 4102444799;
+constexpr int64_t kLongestStep = 366 * 86400;
+
 // Local time of an epoch as YYYY-MM-DDTHH:MM:SS; parse_time accepts it.
 std::string format_time(int64_t epoch);
+// False for no time and for a time past kLatestTime.
 bool parse_time(const char *text, int64_t previous, int64_t *epoch);
 
 }  // namespace authmng_sim

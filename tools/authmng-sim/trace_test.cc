@@ -119,6 +119,9 @@ TEST_F(TraceTest, ErrorsNameTheFieldAndWhatIsWrong) {
     EXPECT_EQ(error_message("+1 dot1x-auth username=" + std::string(257, 'u')),
               "field 'username': longer than 256 characters: '" + std::string(257, 'u') + "'");
     EXPECT_EQ(error_message("+1 cmd"), "cmd without a command line");
+    EXPECT_EQ(error_message("@9223372036854775807 dot1x-auth"),
+              "time '@9223372036854775807' is past 2099-12-31T23:59:59 UTC, the latest the "
+              "simulator runs to");
     ASSERT_EQ(parse("2026-03-09T10:00:00 dot1x-auth"), ParseResult::Event);
     EXPECT_EQ(error_message("2026-03-09T09:59:59 dot1x-auth"),
               "time '2026-03-09T09:59:59' goes back before the previous line");
@@ -131,6 +134,22 @@ TEST_F(TraceTest, ErrorsNameTheFieldAndWhatIsWrong) {
     EXPECT_EQ(parse("2026-03-09T10:00:00 dot1x-auth"), ParseResult::Error);
     ASSERT_EQ(parse("+1 dot1x-auth"), ParseResult::Event);
     EXPECT_EQ(format_time(event_.time), "2026-03-09T10:05:11");
+    EXPECT_EQ(error_message("+31622401 dot1x-auth"),
+              "time '+31622401' is more than 366 days after the previous line");
+    ASSERT_EQ(parse("+31622400 dot1x-auth"), ParseResult::Event);
+}
+
+TEST_F(TraceTest, TimesStopAtTheHorizon) {
+    int64_t epoch = 0;
+    EXPECT_TRUE(parse_time("@4102444799", 0, &epoch));
+    EXPECT_TRUE(parse_time("2099-12-31T23:59:59", 0, &epoch));  // the fixture's zone is UTC
+    EXPECT_FALSE(parse_time("2100-01-01T00:00:00", 0, &epoch));
+    EXPECT_FALSE(parse_time("@4102444800", 0, &epoch));
+    EXPECT_FALSE(parse_time("+1", 4102444799, &epoch));
+    EXPECT_FALSE(parse_time("+2147483647", INT64_MAX, &epoch)) << "no overflow";
+    TraceParser last(4102444799);
+    EXPECT_EQ(last.parse("+1 cmd show", &event_, &error_), ParseResult::Error);
+    EXPECT_EQ(last.parse("+0 cmd show", &event_, &error_), ParseResult::Event);
 }
 
 TEST_F(TraceTest, WrittenEventsReadBackUnchanged) {
