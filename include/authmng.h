@@ -17,6 +17,24 @@
  *  - Displays print through the device command line's cli_printf.
  *  - Times are unsigned 32-bit milliseconds unless a field says otherwise;
  *    counters are unsigned 64-bit.
+ *
+ * What a daemon calls: authmng_init (once); then authmng_notify_auth_info
+ * for every event (802.1X and web-auth daemons); the web-auth daemon also
+ * authmng_notify_rd_info, authmng_notify_stamove_info and, once a minute,
+ * authmng_get_check_result; the cpp client authmng_reg_cpp_callback. The
+ * code texts, the socket and TLV helpers, authmng_unreg_ham and the
+ * configuration values are there to use as well. docs/code-tables.md lists
+ * the result, offline-reason and event codes with their texts.
+ *
+ * For the device's command line only (its framework walks the T... command
+ * groups and calls the handlers; a daemon never calls them): the T...
+ * nodes, authmanage_array, the *_cmd handlers, authmng_show_* and
+ * authmng_debug_* displays, authmng_*_debug_init. For the library's timer
+ * thread only: authmng_timer_task, authmng_timer_proc, authmng_write_*,
+ * authmng_webauth_statistic_change, authmng_reg_ham, authmng_nty_ham_reset,
+ * authmng_get_clock. The remaining functions (intakes such as
+ * authmng_notify_dot1x_info, record clears, path builders) are the steps
+ * behind those calls; a daemon has no need to call them.
  */
 #ifndef AUTHMNG_H
 #define AUTHMNG_H
@@ -29,6 +47,13 @@
 #else
 #define AUTHMNG_API
 #endif
+
+/* Version of this header and of the library built from it. The library's
+ * soname carries the major version, which changes only when a name, a
+ * record layout or a contract changes incompatibly. */
+#define AUTHMNG_VERSION_MAJOR 1
+#define AUTHMNG_VERSION_MINOR 0
+#define AUTHMNG_VERSION_PATCH 0
 
 #ifdef __cplusplus
 extern "C" {

@@ -295,6 +295,28 @@ void note_refusal(Outcome *outcome, int pos, const NumberMiss &miss) {
     outcome->miss = miss;
 }
 
+// Walks the line from word `first` through every group at point, in the
+// order they were added; the first group that takes the line runs it.
+Walk walk_point(int point, int first, const TypedLine &line, Choices *choices, Outcome *outcome) {
+    for (int g = 0; g < group_count(); ++g) {
+        const Group *group = group_at(g);
+        if (group == nullptr || group->point != point) continue;
+        cli_parse_state ps;
+        ps.negated = line.negated;
+        ps.words = line.word;
+        ps.word_count = line.count;
+        ps.pos = first;
+        Walk result = walk_group(group->group, &ps, choices);
+        if (result == Walk::kHandled) return result;
+        if (result == Walk::kListed) {
+            outcome->listed = true;
+        } else {
+            note_refusal(outcome, ps.pos, ps.number_miss);
+        }
+    }
+    return Walk::kRefused;
+}
+
 // Walks the groups of every bound prefix the line begins with, longest
 // prefix first; the first group that takes the line runs it. With
 // choices, collects the "?" listing of every group instead.
@@ -321,21 +343,9 @@ Walk walk_points(const TypedLine &line, Choices *choices, Outcome *outcome) {
         candidates[at] = Candidate{b->point, n};
     }
     for (int c = 0; c < candidate_count; ++c) {
-        for (int g = 0; g < group_count(); ++g) {
-            const Group *group = group_at(g);
-            if (group == nullptr || group->point != candidates[c].point) continue;
-            cli_parse_state ps;
-            ps.negated = line.negated;
-            ps.words = line.word;
-            ps.word_count = line.count;
-            ps.pos = candidates[c].words;
-            Walk result = walk_group(group->group, &ps, choices);
-            if (result == Walk::kHandled) return result;
-            if (result == Walk::kListed) {
-                outcome->listed = true;
-            } else {
-                note_refusal(outcome, ps.pos, ps.number_miss);
-            }
+        if (walk_point(candidates[c].point, candidates[c].words, line, choices, outcome) ==
+            Walk::kHandled) {
+            return Walk::kHandled;
         }
     }
     return outcome->listed || (choices != nullptr && choices->count > 0) ? Walk::kListed
@@ -488,6 +498,20 @@ int authmng_host_cli_exec(const char *line) {
         choices.print(cli_stream());
         return 0;
     }
+    report_refusal(typed, outcome);
+    return -1;
+}
+
+int authmng_port_check_exec(int point, const char *line) {
+    TypedLine typed;
+    const char *error = nullptr;
+    if (!read_line(line == nullptr ? "" : line, &typed, &error)) {
+        refuse("%s", error);
+        return -1;
+    }
+    Outcome outcome;
+    if (walk_point(point, 0, typed, nullptr, &outcome) == Walk::kHandled) return 0;
+    if (outcome.furthest < 0) outcome.furthest = 0;
     report_refusal(typed, outcome);
     return -1;
 }
