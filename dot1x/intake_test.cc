@@ -244,6 +244,24 @@ TEST_F(Dot1xIntakeTest, EventEntryRoutesByKind) {
     EXPECT_EQ(d1x(AUTHMNG_METHOD_DOT1X).auth_total + d1x(AUTHMNG_METHOD_MAB).auth_total, 2u);
 }
 
+// The classification as the daemons call it, with the record reached
+// through its rssi field: third range for AAA alone, second for the
+// station alone; a method or histogram out of range counts nothing.
+TEST_F(Dot1xIntakeTest, LongTimeReasonThroughTheRssiField) {
+    authmng_auth_info_t info = auth(0, 0, 1);
+    authmng_dot1x_statistic_loogtime_reason(0, AUTHMNG_RANGE_AUTH, 3000, &info.rssi);
+    info.aaa_timeout = 0, info.request_timeout = 1;
+    authmng_dot1x_statistic_loogtime_reason(1, AUTHMNG_RANGE_AUTH, 2999, &info.rssi);
+    authmng_dot1x_statistic_loogtime_reason(2, AUTHMNG_RANGE_AUTH, 2999, &info.rssi);
+    authmng_dot1x_statistic_loogtime_reason(0, AUTHMNG_D1X_RANGE_NUM, 2999, &info.rssi);
+    EXPECT_EQ(g_authmng_thi_range_reason[1] + g_authmng_sec_range_reason[0], 2u);
+    uint64_t all = 0;
+    for (int i = 0; i < AUTHMNG_REASON_NUM; ++i) {
+        all += g_authmng_sec_range_reason[i] + g_authmng_thi_range_reason[i];
+    }
+    EXPECT_EQ(all, 2u);
+}
+
 // Counters carry no overflow guard: totals that pass 2^64 - 1 read 0, and
 // the rates and the average taken from them do not divide by that zero.
 TEST_F(Dot1xIntakeTest, CountersPastTheirTopWrapWithoutTrapping) {

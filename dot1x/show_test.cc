@@ -82,6 +82,11 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
         authmng_show_dot1x_statistic(0);
         EXPECT_TRUE(has_line(take_cli(), " authentication success rssi avgvalue:.........-65dBm."));
     }
+    // Failures of both kinds and both rounds share the fail average: 400 / 8.
+    dot1x_.auth_result[1] = 1, dot1x_.auth_result[2] = 2, dot1x_.fail_rssi_sum = -400;
+    dot1x_.reauth_result[1] = 1, dot1x_.reauth_result[2] = 4;
+    authmng_show_dot1x_statistic(0);
+    EXPECT_TRUE(has_line(take_cli(), " authentication fail rssi avgvalue:............-50dBm."));
     dot1x_.auth_result[0] = 0xFFFFFFFFull, dot1x_.success_rssi_sum = INT32_MIN;
     authmng_show_dot1x_statistic(0);
     EXPECT_TRUE(
@@ -129,7 +134,8 @@ TEST_F(Dot1xShowTest, CodeListsPrintEveryCodeOfTheirSpans) {
 TEST_F(Dot1xShowTest, SummaryLeavesOrdinaryOfflinesOut) {
     dot1x_.auth_total = 10, dot1x_.auth_result[0] = 6, dot1x_.auth_result[24] = 1;
     dot1x_.old_online_number = 5, dot1x_.reauth_total = 3, dot1x_.reauth_result[2] = 3;
-    dot1x_.offline_total = 10, dot1x_.offline_reason[0] = 6, dot1x_.offline_reason[31] = 1;
+    dot1x_.offline_total = 12, dot1x_.offline_reason[0] = 6, dot1x_.offline_reason[31] = 1;
+    dot1x_.offline_reason[6] = 2;
     dot1x_.offline_reason[7] = 3, dot1x_.range[0].count[2] = 0xFFFFFFFFull;
     authmng_show_dot1x_statistic_telnet(0);
     EXPECT_EQ(take_cli(),

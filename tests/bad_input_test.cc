@@ -9,6 +9,7 @@
 #include <string>
 
 #include "authmng_platform.h"
+#include "escape/check.h"
 #include "support/fixture.h"
 
 using namespace authmng_test;
@@ -39,12 +40,6 @@ struct State {
     }
     bool operator==(const State &other) const { return memcmp(this, &other, sizeof *this) == 0; }
 };
-
-size_t occurrences(const std::string &text, const std::string &part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-    return n;
-}
 
 // A name filling all 256 bytes, followed in the record by MAC bytes that
 // read as 'Z': a print that ran past the field would show a 'Z'.
@@ -86,6 +81,12 @@ TEST_F(BadInputTest, NullPointersAtEveryEntry) {
     EXPECT_EQ(verdict.escape_time + verdict.escape_ratio + verdict.reboot_enable, 0u);
     authmng_check_input_t totals = {1, 2, 3, 4, 5, 6};
     authmng_get_check_result(&totals, nullptr);
+    EXPECT_EQ(authmng_get_result_by_type(0, 5, 1, nullptr) +
+                  authmng_get_current_result(0, 5, 1, nullptr) +
+                  authmng_get_result_by_type(AUTHMNG_CHECK_TYPE_NUM, 5, 1, &verdict),
+              0);
+    authmng_compare_with_pre_result(nullptr, &verdict);
+    authmng_compare_with_pre_result(&g_authmng_check[0], nullptr);
     authmng_save_abnormal_log(nullptr);
     for (cli_handler_t handler :
          {authmng_escape_enable_cmd, authmng_escape_when_auth_cmd, authmng_escape_when_ratio_cmd,

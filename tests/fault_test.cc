@@ -40,12 +40,6 @@ uint64_t column_sum(const std::string &text, int column, const std::string &type
     return sum;
 }
 
-size_t occurrences(const std::string &text, const std::string &part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-    return n;
-}
-
 class FaultTest : public AuthmngTest {
 protected:
     // A failed authentication of the client (counted, queued as abnormal)

@@ -39,6 +39,11 @@ TEST(TlvTest, ElementsFillTheBufferExactlyAndRefusalsChangeNothing) {
     EXPECT_EQ(authmng_add_tlv(0, value, 20, &buf), 24);
     EXPECT_EQ(buf.used, 38);
     EXPECT_EQ(buf.left, 112);
+    // Counts that disagree: either one alone refuses an element past the end.
+    buf.used = 140;
+    EXPECT_EQ(authmng_add_tlv(0, value, 10, &buf), -1);
+    buf.used = 0, buf.left = 10;
+    EXPECT_EQ(authmng_add_tlv(0, value, 10, &buf), -1);
 }
 
 TEST(TlvTest, TwoElementsLieBackToBackInHostOrder) {

@@ -84,8 +84,13 @@ TEST_F(UnixSocketTest, MessagesKeepTheirBoundariesAndEndWithZeroAfterClose) {
     EXPECT_EQ(std::string(buf, 5), "hello");
     EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 8);
     EXPECT_EQ(std::string(buf, 8), "authmng!");
-    EXPECT_EQ(authmng_unix_send(client, nullptr, 4), -1);
+    EXPECT_EQ(authmng_unix_send(client, "x", 1), 1);
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 1);
+    EXPECT_EQ(authmng_unix_send(client, "", 0), 0);  // an empty message
+    EXPECT_EQ(authmng_unix_receive(server, buf, sizeof(buf)), 0);
+    EXPECT_EQ(authmng_unix_send(client, nullptr, 4) + authmng_unix_send(client, nullptr, 0), -2);
     EXPECT_EQ(authmng_unix_receive(server, buf, -1), -1);
+    EXPECT_EQ(authmng_unix_receive(-1, buf, sizeof(buf)), -1);  // an error ends the wait
 
     // The receive waits out an empty queue until the message arrives.
     std::thread late([client] {

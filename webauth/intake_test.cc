@@ -85,6 +85,9 @@ TEST_F(WebauthIntakeTest, SuccessFeedsSumsAndRangesInOrder) {
               V({2, 2, 1}));
     EXPECT_EQ(live.auth_avg_time, 2320u);  // (2500 + 3000 + 2999 + 3001 + 100) / 5
     EXPECT_EQ(live.aggregate_time[1], 4294967096ull + 1950 + 3000 + 2999 + 3001);
+    e = auth_event(0), e.acct_rds_time = 1000;  // the accounting RADIUS histogram's bound
+    event(e);
+    EXPECT_EQ(live.range[10].count[1], 1u);
     EXPECT_EQ(V({live.old_online_number, live.current_online_number, live.max_online_number,
                  live.reauth_number}),
               V({1ull << 33, 0, 1ull << 33, 0}));

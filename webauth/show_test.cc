@@ -38,7 +38,7 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
     s_.range[2].count[0] = s_.range[2].count[1] = s_.range[2].count[2] = 1;  // redirects
     s_.old_online_number = 2, s_.offline_total = 4, s_.offline_reason[11] = 4;
     s_.aggregate_time[4] = 3000, s_.range[4].count[0] = 3, s_.range[4].count[1] = 1;
-    s_.range[0].count[1] = 6;
+    s_.range[0].count[1] = 6, s_.online_time_total = 3660;
     authmng_show_webauth_statistic();
     std::string out = take_cli();
     expect_lines(out, {"  number of authentication failures:.....................2(20.000%).",
@@ -50,7 +50,8 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
                        "  number of abnormal offline(rate):......................4(50.000%).",
                        "   number of portal timeout:.............................0(0.000%).",
                        "   number of set fail:...................................0(0.000%).",
-                       "   number of link change:................................4."});
+                       "   number of link change:................................4.",
+                       " aggregate online time:..................................61min"});
     // The AAA authentication block: average over the successes, share of
     // its own two ranges.
     EXPECT_NE(out.find("\nAAA authentication:\n"
@@ -62,8 +63,22 @@ TEST_F(WebauthShowTest, PercentagesAreOfTheirOwnTotals) {
 
     authmng_show_webauth_statistic_telnet();
     out = take_cli();
-    expect_lines(out, {"    \"offline_total\": 4,", "    \"aggregate_online_number\": 8,",
-                       "    \"auth_range_3000\": 6,"});
+    expect_lines(out, {"    \"offline_total\": 4,", "    \"aggregate_online_number\": 8,"});
+
+    // Every bucket of the three histograms in its own place.
+    for (uint32_t i = 0; i < 9; ++i) s_.range[i / 3].count[i % 3] = i + 1;
+    authmng_show_webauth_statistic_telnet();
+    expect_lines(take_cli(), {"    \"auth_range_1000\": 1,", "    \"auth_range_3000\": 2,",
+                              "    \"auth_range_other\": 3,", "    \"auth_range_1000_ex\": 4,",
+                              "    \"auth_range_3000_ex\": 5,", "    \"auth_range_other_ex\": 6,",
+                              "    \"redirect_range_500\": 7,", "    \"redirect_range_1000\": 8,",
+                              "    \"redirect_range_other\": 9,"});
+    authmng_show_webauth_statistic();
+    expect_lines(take_cli(),
+                 {"  number of less than one second:........................1(16.667%).",
+                  "  number of between one and three second:................2(33.333%).",
+                  "  number of more than three second:......................3(50.000%).",
+                  "  number of less than one second(exclude server):........4(66.667%)."});
 }
 
 TEST_F(WebauthShowTest, AbnormalListShowsEveryFieldOfEveryRecord) {

@@ -216,7 +216,9 @@ void generate(const cli_parse_node *node, cli_parse_state *ps, int depth) {
 // between them are what the trees walk.
 struct TypedLine {
     Words all;
-    const char *word[kMaxWords];
+    // Ends in NULL: a node that looked past the last word would find no
+    // word there rather than whatever the stack held.
+    const char *word[kMaxWords + 1] = {};
     int count = 0;
     int negated = 0;
     bool listing = false;

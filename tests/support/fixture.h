@@ -58,8 +58,10 @@ bool exists(const std::string &path);
 void write_file(const std::string &path, const std::string &text);
 // A file of exactly size bytes (lines of 'x' ending in newlines).
 void write_file_of_size(const std::string &path, size_t size);
-// Number of lines of a text.
+// Number of lines of a text; occurrences of part in it (overlapping ones
+// count each).
 size_t count_lines(const std::string &text);
+size_t occurrences(const std::string &text, const std::string &part);
 // Whether text holds line as one whole line; expect_lines checks several.
 bool has_line(const std::string &text, const std::string &line);
 void expect_lines(const std::string &text, std::initializer_list<std::string> lines);

@@ -49,24 +49,9 @@ TEST_F(TraceTest, EveryKindSetsItsRecordKind) {
         EXPECT_EQ(event_.info.client_type, e.client_type) << e.kind;
         EXPECT_EQ(event_.info.event, e.event) << e.kind;
     }
-    ASSERT_EQ(parse("+1 redirect rd_user=7 rd_time=499 rd_result=2"), ParseResult::Event);
-    EXPECT_EQ(event_.redirect.rd_user, 7u);
-    EXPECT_EQ(event_.redirect.rd_time, 499u);
-    EXPECT_EQ(event_.redirect.rd_result, 2u);
-    ASSERT_EQ(parse("+1 stamove move_type=1 move_fail=1"), ParseResult::Event);
-    EXPECT_EQ(event_.move.move_type, 1u);
-    EXPECT_EQ(event_.move.move_fail, 1u);
-    ASSERT_EQ(parse("+1 escape-check total_redirect_count=10 total_redirect_time=35000 "
-                    "total_auth_count=4 total_auth_time=24000 total_auth_timeout_count=2 "
-                    "max_online_user=9"),
-              ParseResult::Event);
-    EXPECT_EQ(event_.totals.total_redirect_time, 35000u);
-    EXPECT_EQ(event_.totals.total_auth_timeout_count, 2u);
-    EXPECT_EQ(event_.totals.max_online_user, 9u);
+    // The other kinds' fields: the read-back test below.
     ASSERT_EQ(parse("+1 cmd  show dot1x authmng statistic "), ParseResult::Event);
     EXPECT_EQ(event_.command, "show dot1x authmng statistic ");
-    ASSERT_EQ(parse("+1 cpp value=42"), ParseResult::Event);
-    EXPECT_EQ(event_.cpp.value, 42u);
 }
 
 TEST_F(TraceTest, TimesAbsoluteEpochAndRelative) {
@@ -100,10 +85,10 @@ TEST_F(TraceTest, FieldValuesOfEveryType) {
     EXPECT_EQ(info.auth_time, 16u);
     EXPECT_EQ(memcmp(info.username, name.data(), 256), 0) << "filled, no terminator";
 
-    ASSERT_EQ(parse("+0 mab-auth mac=001a.2b3c.4d5e"), ParseResult::Event);
-    EXPECT_EQ(memcmp(event_.info.mac, mac, 6), 0);
-    ASSERT_EQ(parse("+0 mab-auth mac=00-1A-2B-3C-4D-5E"), ParseResult::Event);
-    EXPECT_EQ(memcmp(event_.info.mac, mac, 6), 0);
+    for (const char *other : {"001a.2b3c.4d5e", "00-1A-2B-3C-4D-5E"}) {
+        ASSERT_EQ(parse(std::string("+0 mab-auth mac=") + other), ParseResult::Event);
+        EXPECT_EQ(memcmp(event_.info.mac, mac, 6), 0) << other;
+    }
 }
 
 TEST_F(TraceTest, ErrorsNameTheFieldAndWhatIsWrong) {
@@ -172,9 +157,10 @@ TEST_F(TraceTest, WrittenEventsReadBackUnchanged) {
         ("2026-03-09T00:00:01 dot1x-auth online_num=3 ip=198.18.0.7 auth_time=1500 "
          "rds_srv_time=200 rssi=-61 aaa_timeout=1 result=5 username=alice mac=00:1a:2b:3c:4d:5e"),
         "2026-03-09T00:00:02 wba-offline offline_reason=11 online_time=600 username=bob",
-        "2026-03-09T00:00:03 redirect rd_user=4 rd_time=700",
+        "2026-03-09T00:00:03 redirect rd_user=4 rd_time=700 rd_result=2",
         "2026-03-09T00:00:04 stamove move_type=1 move_fail=1",
-        "2026-03-09T00:00:05 escape-check total_redirect_count=10 max_online_user=2",
+        "2026-03-09T00:00:05 escape-check total_redirect_count=10 total_auth_timeout_count=2 "
+        "max_online_user=9",
         "2026-03-09T00:00:06 cmd authmanage user-escape time 31",
         "2026-03-09T00:00:07 cpp value=9",
     };
