@@ -14,41 +14,23 @@ namespace authmng_hostapd {
 
 bool CommandServer::start(const std::string &path, CommandHandler handler) {
     handler_ = std::move(handler);
-    fd_ = authmng_unix_socket_init(path.c_str());
-    if (fd_ < 0) return false;
+    int fd = authmng_unix_socket_init(path.c_str());
+    if (fd < 0) return false;
     // Only the owner may connect at all; root gets through regardless, and
     // the credentials are checked on every connection as well.
-    if (chmod(path.c_str(), 0600) != 0 || listen(fd_, 16) != 0) {
+    if (chmod(path.c_str(), 0600) != 0 || listen(fd, 16) != 0) {
         int saved = errno;
-        close(fd_);
-        fd_ = -1;
+        close(fd);
         errno = saved;
         return false;
     }
     path_ = path;
-    thread_ = std::thread([this] { serve(); });
+    loop_.start(fd, 0, [this](int client) { answer(client); });
     return true;
 }
 
 void CommandServer::stop() {
-    if (fd_ < 0) return;
-    stopping_ = true;
-    shutdown(fd_, SHUT_RDWR);
-    if (thread_.joinable()) thread_.join();
-    close(fd_);
-    fd_ = -1;
-    (void)unlink(path_.c_str());
-}
-
-void CommandServer::serve() {
-    while (!stopping_) {
-        pollfd pfd = {fd_, POLLIN, 0};
-        if (poll(&pfd, 1, 200) <= 0) continue;
-        int client = accept4(fd_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (client < 0) continue;
-        answer(client);
-        close(client);
-    }
+    if (loop_.stop()) (void)unlink(path_.c_str());
 }
 
 void CommandServer::answer(int fd) {

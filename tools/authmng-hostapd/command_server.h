@@ -8,11 +8,10 @@
 
 #include <sys/types.h>
 
-#include <atomic>
 #include <functional>
 #include <string>
-#include <thread>
 
+#include "accept_loop.h"
 #include "command_protocol.h"
 
 namespace authmng_hostapd {
@@ -37,14 +36,11 @@ public:
     void stop();
 
 private:
-    void serve();
     void answer(int fd);
 
-    int fd_ = -1;
     std::string path_;
     CommandHandler handler_;
-    std::atomic<bool> stopping_{false};
-    std::thread thread_;
+    AcceptLoop loop_;
 };
 
 }  // namespace authmng_hostapd

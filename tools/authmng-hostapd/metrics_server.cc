@@ -69,65 +69,51 @@ bool MetricsServer::start(const std::string &address, std::function<std::string(
         *error = "metrics address " + address + ": " + gai_strerror(rc);
         return false;
     }
-    fd_ = socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int fd = socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
     int on = 1;
-    bool ok = fd_ >= 0 && setsockopt(fd_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
-              bind(fd_, found->ai_addr, found->ai_addrlen) == 0 && listen(fd_, 16) == 0;
+    bool ok = fd >= 0 && setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
+              bind(fd, found->ai_addr, found->ai_addrlen) == 0 && listen(fd, 16) == 0;
     freeaddrinfo(found);
     if (!ok) {
         *error = "metrics address " + address + ": " + strerror(errno);
-        if (fd_ >= 0) close(fd_);
-        fd_ = -1;
+        if (fd >= 0) close(fd);
         return false;
     }
     body_ = std::move(body);
-    thread_ = std::thread([this] { serve(); });
+    loop_.start(fd, SOCK_NONBLOCK, [this](int client) { answer(client); });
     return true;
 }
 
 void MetricsServer::stop() {
-    if (fd_ < 0) return;
-    stopping_ = true;
-    shutdown(fd_, SHUT_RDWR);
-    if (thread_.joinable()) thread_.join();
-    close(fd_);
-    fd_ = -1;
+    loop_.stop();
 }
 
-void MetricsServer::serve() {
-    while (!stopping_) {
-        pollfd pfd = {fd_, POLLIN, 0};
-        if (poll(&pfd, 1, 200) <= 0) continue;
-        int client = accept4(fd_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (client < 0) continue;
-        int64_t deadline = monotonic_us() + kScrapeTimeoutMs * 1000LL;
-        std::string request;
-        char buffer[1024];
-        bool complete = false;
-        while (!complete && request.size() < kRequestMax) {
+void MetricsServer::answer(int client) {
+    int64_t deadline = monotonic_us() + kScrapeTimeoutMs * 1000LL;
+    std::string request;
+    char buffer[1024];
+    bool complete = false;
+    while (!complete && request.size() < kRequestMax) {
+        int64_t left = deadline - monotonic_us();
+        pollfd in = {client, POLLIN, 0};
+        if (left <= 0 || poll(&in, 1, static_cast<int>(left / 1000) + 1) <= 0) break;
+        ssize_t got = recv(client, buffer, sizeof buffer, 0);
+        if (got <= 0) break;
+        request.append(buffer, static_cast<size_t>(got));
+        complete = request.find("\r\n\r\n") != std::string::npos ||
+                   request.find("\n\n") != std::string::npos;
+    }
+    if (complete) {
+        std::string response = http_response(request, body_);
+        size_t sent = 0;
+        while (sent < response.size()) {
             int64_t left = deadline - monotonic_us();
-            pollfd in = {client, POLLIN, 0};
-            if (left <= 0 || poll(&in, 1, static_cast<int>(left / 1000) + 1) <= 0) break;
-            ssize_t got = recv(client, buffer, sizeof buffer, 0);
-            if (got <= 0) break;
-            request.append(buffer, static_cast<size_t>(got));
-            complete = request.find("\r\n\r\n") != std::string::npos ||
-                       request.find("\n\n") != std::string::npos;
+            pollfd out = {client, POLLOUT, 0};
+            if (left <= 0 || poll(&out, 1, static_cast<int>(left / 1000) + 1) <= 0) break;
+            ssize_t n = send(client, response.data() + sent, response.size() - sent, MSG_NOSIGNAL);
+            if (n <= 0) break;
+            sent += static_cast<size_t>(n);
         }
-        if (complete) {
-            std::string response = http_response(request, body_);
-            size_t sent = 0;
-            while (sent < response.size()) {
-                int64_t left = deadline - monotonic_us();
-                pollfd out = {client, POLLOUT, 0};
-                if (left <= 0 || poll(&out, 1, static_cast<int>(left / 1000) + 1) <= 0) break;
-                ssize_t n =
-                    send(client, response.data() + sent, response.size() - sent, MSG_NOSIGNAL);
-                if (n <= 0) break;
-                sent += static_cast<size_t>(n);
-            }
-        }
-        close(client);
     }
 }
 

@@ -5,10 +5,10 @@
 #ifndef AUTHMNG_HOSTAPD_METRICS_SERVER_H
 #define AUTHMNG_HOSTAPD_METRICS_SERVER_H
 
-#include <atomic>
 #include <functional>
 #include <string>
-#include <thread>
+
+#include "accept_loop.h"
 
 namespace authmng_hostapd {
 
@@ -31,11 +31,9 @@ public:
     void stop();
 
 private:
-    void serve();
-    int fd_ = -1;
+    void answer(int client);
     std::function<std::string()> body_;
-    std::atomic<bool> stopping_{false};
-    std::thread thread_;
+    AcceptLoop loop_;
 };
 
 }  // namespace authmng_hostapd
