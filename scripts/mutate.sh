@@ -4,7 +4,7 @@
 # developer tool run on demand; CI never runs it.
 #
 #   scripts/mutate.sh [--seed N] [--count N] [--build DIR] [--timeout S] [--list]
-#                     [--only FILE]
+#                     [--only FILE] [--by-test]
 #
 #   --seed     seed of the sample (default 1); the same seed and count give
 #              the same mutants on the same sources
@@ -15,6 +15,10 @@
 #   --list     print the sampled mutants and stop
 #   --only     run only the mutants of the sample whose key (the first word
 #              of each line of FILE, e.g. an earlier run's survivors) is listed
+#   --by-test  run every test against every mutant and write which tests
+#              killed it to <build>/mutate-kills.txt ("key test test ..."):
+#              a test that is never the only killer of a mutant adds
+#              nothing the others do not catch
 #
 # The sample takes the same share from each folder. Faults: a swapped
 # operator (== !=, < <=, > >=, && ||, + -, ++ --, += -=), an integer
@@ -33,7 +37,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
 
-seed=1 count=150 build=$root/build-mutate timeout=20 list=0 only=""
+seed=1 count=150 build=$root/build-mutate timeout=20 list=0 only="" by_test=0
 while (($#)); do
     case $1 in
     --seed) seed=$2 && shift ;;
@@ -41,8 +45,9 @@ while (($#)); do
     --build) build=$(realpath -m "$2") && shift ;;
     --timeout) timeout=$2 && shift ;;
     --list) list=1 ;;
+    --by-test) by_test=1 ;;
     --only) only=$(realpath "$2") && shift ;;
-    *) sed -n '2,32p' "$0" >&2 && exit 2 ;;
+    *) sed -n '2,36p' "$0" >&2 && exit 2 ;;
     esac
     shift
 done
@@ -193,8 +198,12 @@ stripped() { objcopy --strip-debug "$1" "$2"; }
 
 declare -A killed survived
 total=0 nocompile=0 equivalent=0
-survivors=$build/mutate-survivors.txt
+survivors=$build/mutate-survivors.txt kills=$build/mutate-kills.txt
 : >"$survivors"
+((by_test)) && : >"$kills"
+stop=--stop-on-failure
+((by_test)) && stop=""
+failed=$build/Testing/Temporary/LastTestsFailed.log
 while IFS=$'\t' read -r key file line col old new; do
     total=$((total + 1))
     obj=$(object "$file")
@@ -208,11 +217,12 @@ while IFS=$'\t' read -r key file line col old new; do
         verdict=no-compile nocompile=$((nocompile + 1))
     elif stripped "$obj" "$build/mutate-after.o" && cmp -s "$build/mutate-before.o" "$build/mutate-after.o"; then
         verdict=equivalent equivalent=$((equivalent + 1))
-    elif nice ctest --test-dir "$build" -j2 --timeout "$timeout" --stop-on-failure -Q >/dev/null 2>&1; then
+    elif rm -f "$failed" && nice ctest --test-dir "$build" -j2 --timeout "$timeout" $stop -Q >/dev/null 2>&1; then
         verdict=survived survived[$folder]=$((${survived[$folder]:-0} + 1))
         echo "$key $what" >>"$survivors"
     else
         verdict=killed killed[$folder]=$((${killed[$folder]:-0} + 1))
+        ((by_test)) && echo "$key $(cut -d: -f2- "$failed" | tr '\n' ' ')" >>"$kills"
     fi
     restore
     printf '%3d %-10s %s %s\n' "$total" "$verdict" "$key" "$what"
