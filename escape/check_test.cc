@@ -1,6 +1,8 @@
 #include "escape/check.h"
 
+#include <algorithm>
 #include <cstring>
+#include <random>
 #include <string>
 
 #include "support/fixture.h"
@@ -20,8 +22,10 @@ protected:
         ASSERT_EQ(start(AUTHMNG_CLIENT_WBA), 0);
         g_authmng_check_open = 1;
     }
-    // Reports the totals grown by the increases: "escape_time/escape_ratio/reboot_enable".
-    std::string report(uint32_t rd, uint32_t rd_ms, uint32_t au, uint32_t au_ms, uint32_t to) {
+    // Reports the totals grown by the increases (32-bit, so they may pass
+    // the top): "escape_time/escape_ratio/reboot_enable".
+    std::string report(uint32_t rd = 0, uint32_t rd_ms = 0, uint32_t au = 0, uint32_t au_ms = 0,
+                       uint32_t to = 0) {
         authmng_check_input_t &t = totals_;
         t.total_redirect_count += rd, t.total_redirect_time += rd_ms, t.total_auth_count += au;
         t.total_auth_time += au_ms, t.total_auth_timeout_count += to;
@@ -38,14 +42,14 @@ protected:
 TEST_F(EscapeTest, WorkedExamplesOfTheThreeChecks) {
     g_authmng_check_open = 0;  // off: empty verdict, totals untouched, only the verdict line
     g_authmng_lib_event_dbg = 1;
-    EXPECT_EQ(report(0, 0, 0, 0, 0), "0/0/0");
+    EXPECT_EQ(report(), "0/0/0");
     std::string log = take_syslog();
     EXPECT_EQ(count_lines(log), 1u);
     EXPECT_TRUE(has(log, "EVENT_DBG: [authmng_get_check_result line:"));
     EXPECT_TRUE(has(log, "] result reboot enable(false), escape_time(0), escape_ratio(0).\n"));
     EXPECT_EQ(g_authmng_info_record.total_redirect_time, 0u);
     g_authmng_check_open = 1;
-    EXPECT_EQ(report(0, 0, 0, 0, 0), "0/0/0");  // the first report sets the baseline only
+    EXPECT_EQ(report(), "0/0/0");  // the first report sets the baseline only
     EXPECT_EQ(g_authmng_check[0].total_count, 0u);
     EXPECT_EQ(report(10, 35000, 4, 24000, 0), "0/0/1");  // 350000 > 300000; auth not run
     EXPECT_EQ(g_authmng_check[1].total_count, 0u);
@@ -71,7 +75,7 @@ TEST_F(EscapeTest, WorkedExamplesOfTheThreeChecks) {
 
 TEST_F(EscapeTest, EscapeLifeOneEndsAtTheNextReport) {
     g_authmng_escape_life = 1;
-    report(0, 0, 0, 0, 0);
+    report();
     EXPECT_EQ(report(0, 0, 4, 24000, 0), "30/100/0");
     g_authmng_lib_event_dbg = 1;
     EXPECT_EQ(report(0, 0, 4, 4000, 0), "30/0/0");
@@ -79,6 +83,29 @@ TEST_F(EscapeTest, EscapeLifeOneEndsAtTheNextReport) {
     EXPECT_TRUE(has(log, "[authmng_compare_with_pre_result line:"));
     EXPECT_TRUE(has(log, "] restore escape from(100) to(0).\n"));
     EXPECT_EQ(report(0, 0, 4, 4000, 0), "0/0/0");
+}
+
+// Login storms: value * 100 past 32 bits, and totals passing their top.
+TEST_F(EscapeTest, StormsAndWrapsDecideOnTheTrueAverage) {
+    const struct {
+        authmng_check_input_t before;
+        uint32_t rd, rd_ms, au, au_ms;
+        const char *verdict;
+    } cases[] = {
+        {{1000, 1000, 1000, 1000, 1000, 0}, 0, 0, 10000, 21480000, "0/0/0"},    // 2,148 ms
+        {{1000, 1000, 1000, 1000, 1000, 0}, 0, 0, 5000, 45000000, "30/100/0"},  // 9,000 ms
+        {{1000, 1000, 1000, 1000, 1000, 0}, 10000, 21480000, 0, 0, "0/0/0"},
+        {{1000, 1000, 1000, 1000, 1000, 0}, 5000, 45000000, 0, 0, "0/0/1"},
+        {{4294967290u, 1000, 1000, 1000, 1000, 0}, 10, 20000, 0, 0, "0/0/0"},  // 10, not 4
+        {{1000, 1000, 1000, 4294967000u, 1000, 0}, 0, 0, 4, 24000, "30/100/0"},
+    };
+    for (const auto &c : cases) {
+        authmng::escape_clear_previous_totals();
+        memset(g_authmng_check, 0, sizeof g_authmng_check);
+        totals_ = c.before;
+        report();
+        EXPECT_EQ(report(c.rd, c.rd_ms, c.au, c.au_ms), c.verdict) << &c - cases;
+    }
 }
 
 TEST_F(EscapeTest, SamplesAre64BitAndRingsHold1500) {
@@ -103,7 +130,7 @@ TEST_F(EscapeTest, SamplesAre64BitAndRingsHold1500) {
 // the redirect decides; both escapes are still reported.
 TEST_F(EscapeTest, SixtyReportsThroughASlowPeriodAndBack) {
     for (int i = 0; i < 60; ++i) {
-        std::string got = i == 0 || i == 30    ? report(0, 0, 0, 0, 0)
+        std::string got = i == 0 || i == 30    ? report()
                           : i == 4 || i == 5   ? report(10, 10000, 9, 18000, 2)
                           : i == 10 || i == 12 ? report(10, 10000, 10, 60000, 0)
                           : i == 13            ? report(10, 35000, 10, 20000, 0)
@@ -121,15 +148,46 @@ TEST_F(EscapeTest, SixtyReportsThroughASlowPeriodAndBack) {
 // The daemon restarted: totals that went down count their new values.
 TEST_F(EscapeTest, RestartedTotalsCountFromZeroUntilSwitchedOff) {
     totals_ = {1000, 4000000000u, 1000, 900000, 5, 64};
-    report(0, 0, 0, 0, 0);
+    report();
     totals_ = {0, 0, 0, 0, 0, 64};
     EXPECT_EQ(report(10, 20000, 10, 20000, 0), "0/0/0");
     EXPECT_EQ(g_authmng_info_record.wrapped, 1);
     EXPECT_EQ(g_authmng_check[0].recent_value[0] + g_authmng_check[1].recent_value[0], 400000u);
     totals_ = {0, 0, 0, 0, 0, 64};
-    report(0, 0, 0, 0, 0);                           // previous totals all 0 now, but wrapped:
+    report();                                        // previous totals all 0 now, but wrapped:
     EXPECT_EQ(report(10, 35000, 0, 0, 0), "0/0/1");  // not a baseline
     authmng::escape_clear_previous_totals();
     EXPECT_EQ(g_authmng_info_record.wrapped + g_authmng_info_record.total_auth_count, 0u);
     EXPECT_EQ(report(10, 90000, 0, 0, 0), "0/0/0");  // a new baseline
+}
+
+// Random totals, each report with at most one total passing its top: no
+// check ever takes a sample above the true average of the period.
+TEST_F(EscapeTest, NoSampleAboveTheTrueOne) {
+    std::mt19937_64 random(14);
+    auto below = [&random](uint64_t n) { return uint32_t(random() % n); };
+    uint32_t totals[5] = {1, 1, 1, 1, 1};
+    for (int n = 0; n < 5000; ++n) {
+        // Times of up to 40 s per event: a period's time fits in 32 bits.
+        uint32_t rd = below(100000), au = below(100000);
+        const uint32_t inc[5] = {rd, uint32_t(uint64_t{rd} * below(40001)), au,
+                                 uint32_t(uint64_t{au} * below(40001)), below(1000)};
+        uint32_t wraps = below(6);  // 5: none
+        if (wraps < 5 && inc[wraps] > 0) totals[wraps] = 0u - 1 - below(inc[wraps]);
+        g_authmng_info_record = {totals[0], totals[1], totals[2], totals[3], totals[4], 1};
+        totals_ = {totals[0], totals[1], totals[2], totals[3], totals[4], 0};
+        const uint64_t values[3] = {inc[1], inc[3], inc[4]};
+        const uint64_t counts[3] = {inc[0], inc[2], uint64_t{inc[2]} + inc[4]};
+        uint32_t samples[3];
+        for (int t = 0; t < 3; ++t)
+            samples[t] = g_authmng_check[t].total_count - g_authmng_check[t].zero_count;
+        report(inc[0], inc[1], inc[2], inc[3], inc[4]);
+        for (int t = 0; t < 5; ++t) totals[t] += inc[t];
+        for (int t = 0; t < 3; ++t) {
+            const authmng_check_t &c = g_authmng_check[t];
+            if (c.total_count - c.zero_count == samples[t]) continue;  // no sample taken
+            uint64_t truth = std::min<uint64_t>(values[t] * 100 / counts[t], UINT32_MAX);
+            EXPECT_LE(c.recent_value[c.recent_pos - 1], truth) << n << " " << t;
+        }
+    }
 }
