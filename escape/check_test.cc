@@ -47,10 +47,8 @@ TEST_F(EscapeTest, WorkedExamplesOfTheThreeChecks) {
     EXPECT_TRUE(has(log, "] result reboot enable(false), escape_time(0), escape_ratio(0).\n"));
     EXPECT_EQ(g_authmng_info_record.total_redirect_time, 0u);
     g_authmng_check_open = 1;
-    EXPECT_EQ(report(), "0/0/0");  // the first report sets the baseline only
-    EXPECT_EQ(g_authmng_check[0].total_count, 0u);
+    EXPECT_EQ(report(), "0/0/0");                        // the first report sets the baseline only
     EXPECT_EQ(report(10, 35000, 4, 24000, 0), "0/0/1");  // 350000 > 300000; auth not run
-    EXPECT_EQ(g_authmng_check[1].total_count, 0u);
     log = take_syslog();
     EXPECT_TRUE(has(log,
                     "] redirect:time(235000), count(110)\nauthentication:time(324000), "
@@ -64,7 +62,6 @@ TEST_F(EscapeTest, WorkedExamplesOfTheThreeChecks) {
     EXPECT_EQ(report(0, 0, 9, 9000, 2), "30/100/0");   // 2 in 11: 18
     EXPECT_EQ(report(0, 0, 0, 0, 3), "30/100/0");      // 3 in 3: 100
     EXPECT_EQ(report(0, 0, 4, 24000, 0), "30/100/0");  // 600000 > 500000; authtimeout not run
-    EXPECT_EQ(g_authmng_check[2].total_count, 6u);
     const std::string stamp = "Mon Mar  9 14:05:07 2026\n";
     EXPECT_EQ(read_file(tmp_path("/security/authmanage/log.txt")),
               stamp + "redirect: 350000 350000\n" + stamp + "authtimeout: 5 18\n" + stamp +
