@@ -69,14 +69,13 @@ TEST_F(WebauthAbnormalFileTest, SizeLimitAndUnopenableFile) {
     authmng_auth_info_t e = event_record(AUTHMNG_CLIENT_WBA, WBA_EVENT_AUTH, 1);
     const std::string row =
         "3.9 14:5:7,,0000.0000.0000,0.0.0.0,0,0,0,0,0,0,0,0,0,0,0,1,0,0,0,0,0,0\n";
-    write_file_of_size(path, 600000);  // at the limit: appended to
-    authmng_record_abnormal_auth(&e);
-    authmng_write_webauth_abnormal_record_to_file();
-    EXPECT_EQ(read_file(path).substr(600000), row);
-    write_file_of_size(path, 600001);  // past it: emptied first
-    authmng_record_abnormal_auth(&e);
-    authmng_write_webauth_abnormal_record_to_file();
-    EXPECT_EQ(read_file(path), kHeader + row);
+    for (size_t size : {600000, 600001}) {  // at the limit: appended to; past it: emptied first
+        write_file_of_size(path, size);
+        authmng_record_abnormal_auth(&e);
+        authmng_write_webauth_abnormal_record_to_file();
+        EXPECT_EQ(read_file(path).substr(size == 600000 ? size : 0),
+                  size == 600000 ? row : kHeader + row);
+    }
     remove(path.c_str());
     ASSERT_EQ(mkdir(path.c_str(), 0777), 0);
     authmng_record_abnormal_auth(&e);
