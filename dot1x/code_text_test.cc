@@ -1,53 +1,39 @@
-// The three code tables at their edges and where they differ.
-#include <string>
+// The three code tables: the last code before each gap, the gaps, the
+// texts that differ between the two reason tables, and how many codes of
+// each table have a text at all.
+#include <cstdlib>
+#include <initializer_list>
 
 #include "support/fixture.h"
 
-namespace authmng_test {
 namespace {
 
-TEST(CodeTextTest, AuthenticationResultTexts) {
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(0), "auth success");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(24), "valid ip mab");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(25), "");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(60), "");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(61), "sta unassoc");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(87), "snmp kick");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(106), "online result");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(127), "stachk stamng");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(133), "");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(134), "other reason");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(135), "");
-    EXPECT_STREQ(authmng_dot1x_auth_reason_str(0xFFFFFFFFu), "");
-    int with_text = 0;
-    for (uint32_t code = 0; code < 135; ++code)
-        with_text += authmng_dot1x_auth_reason_str(code)[0] != 0;
-    EXPECT_EQ(with_text, 71);
+// Each case reads "<code> <text>"; nothing after the blank: no text.
+void expect_texts(const char *(*text)(uint32_t), std::initializer_list<const char *> cases) {
+    for (const char *c : cases) {
+        char *rest;
+        uint32_t code = static_cast<uint32_t>(strtoul(c, &rest, 10));
+        EXPECT_STREQ(text(code), rest + 1) << c;
+    }
 }
 
-TEST(CodeTextTest, OfflineReasonTextsKeepTheirOwnWording) {
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(0), "user logoff");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(42), "fail vlan fail");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(43), "");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(61), "unassoc");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(101), "offline");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(106), "online auth");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(127), "stachk stamg");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(133), "");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(134), "other reason");
-    EXPECT_STREQ(authmng_dot1x_offline_reason_str(1000), "");
-    int with_text = 0;
-    for (uint32_t code = 0; code < 135; ++code)
-        with_text += authmng_dot1x_offline_reason_str(code)[0] != 0;
-    EXPECT_EQ(with_text, 89);
-}
-
-TEST(CodeTextTest, EventKindTexts) {
-    EXPECT_STREQ(authmng_dot1x_event_str(0), "D1X_AUTH");
-    EXPECT_STREQ(authmng_dot1x_event_str(2), "D1X_OFFLINE");
-    EXPECT_STREQ(authmng_dot1x_event_str(4), "D1X_REAUTH_START");
-    EXPECT_STREQ(authmng_dot1x_event_str(5), "");
+TEST(CodeTextTest, EdgesGapsAndTheTextsThatDiffer) {
+    expect_texts(authmng_dot1x_auth_reason_str,
+                 {"0 auth success", "24 valid ip mab", "25 ", "61 sta unassoc", "87 snmp kick",
+                  "106 online result", "127 stachk stamng", "132 l3 online normal", "133 ",
+                  "134 other reason", "135 "});
+    expect_texts(
+        authmng_dot1x_offline_reason_str,
+        {"0 user logoff", "42 fail vlan fail", "43 ", "61 unassoc", "87 snmp kick",
+         "106 online auth", "127 stachk stamg", "132 l3 online normal", "134 other reason"});
+    expect_texts(authmng_dot1x_event_str, {"0 D1X_AUTH", "4 D1X_REAUTH_START", "5 "});
+    int auth_texts = 0, offline_texts = 0;
+    for (uint32_t code = 0; code < AUTHMNG_D1X_CODE_NUM; ++code) {
+        auth_texts += authmng_dot1x_auth_reason_str(code)[0] != 0;
+        offline_texts += authmng_dot1x_offline_reason_str(code)[0] != 0;
+    }
+    EXPECT_EQ(auth_texts, 71);
+    EXPECT_EQ(offline_texts, 89);
 }
 
 }  // namespace
-}  // namespace authmng_test
