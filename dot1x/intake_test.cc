@@ -15,20 +15,13 @@ namespace {
 using Lines = std::vector<std::string>;
 using Counts = std::array<uint64_t, 3>;
 
-// Messages of the debug lines of one function. Every line must read
-// "7 UNKNOW_MODULE DEBUG 2: AUTHMNG_LIB_<kind>_DBG: [<function> line:<n>] "
-// with n left-aligned in four characters.
+// The messages of the debug lines of one function, in order.
 Lines lines_of(const std::string &log, const std::string &function, const char *kind = "EVENT") {
     Lines found;
-    std::string lead = std::string("7 UNKNOW_MODULE DEBUG 2: AUTHMNG_LIB_") + kind + "_DBG: [" +
-                       function + " line:";
+    const std::string lead = std::string("AUTHMNG_LIB_") + kind + "_DBG: [" + function + " line:";
     for (size_t at = log.find(lead); at != std::string::npos; at = log.find(lead, at + 1)) {
-        std::string rest = log.substr(at + lead.size(), log.find('\n', at) - at - lead.size());
-        size_t digits = rest.find_first_not_of("0123456789");
-        EXPECT_TRUE(digits > 0 && digits <= 4 && rest.find_first_not_of(' ', digits) == 4 &&
-                    rest.compare(4, 2, "] ") == 0)
-            << rest;
-        found.push_back(rest.substr(6));
+        const size_t text = log.find("] ", at) + 2;
+        found.push_back(log.substr(text, log.find('\n', at) - text));
     }
     return found;
 }
@@ -85,10 +78,6 @@ TEST_F(Dot1xIntakeTest, TimeBoundariesBlocksAndAverage) {
     EXPECT_EQ(d1x().over3s_sta, 100u);
 
     authmng_dot1x_init(&g_amg_d1x[0]);
-    send(auth(4000000000u));
-    send(auth(4000000000u));  // (4e9 + 4e9) mod 2^32 = 3705032704, halved
-    EXPECT_EQ(d1x().auth_avg_time, 1852516352u);
-    authmng_dot1x_init(&g_amg_d1x[0]);
     authmng_auth_info_t wrap = auth(800);  // authExSrv and aaa wrap below zero
     wrap.rds_srv_time = 900, wrap.rds_time = 900, wrap.aaa_time = 100;
     send(wrap);
@@ -135,30 +124,34 @@ TEST_F(Dot1xIntakeTest, FailuresMethodsReauthAndOffline) {
     EXPECT_EQ(d1x().current_online_number, 0u);  // held at zero
 }
 
-TEST_F(Dot1xIntakeTest, RatesAndAverageOfALongRunningDaemon) {
-    // Counts whose percentages need more than 32 bits: 5e9 / 6e7 is 83.
-    g_amg_d1x[0].auth_result[0] = 49999999, g_amg_d1x[0].auth_total = 59999999;
-    g_amg_d1x[0].reauth_result[0] = 99999999, g_amg_d1x[0].reauth_total = 99999999;
-    g_amg_d1x[0].auth_avg_time = 700;
-    send(auth(400));
+// Percentages of counts beyond 32 bits, the 32-bit average, and totals
+// that pass 2^64 - 1 with no overflow guard: they read 0, and nothing
+// divides by that zero.
+TEST_F(Dot1xIntakeTest, RatesAndAverageAtTheEdgesOfTheirCounters) {
+    authmng_dot1x_stat_t &r = g_amg_d1x[0];
+    r.auth_result[0] = 49999999, r.auth_total = 59999999, r.auth_avg_time = 700;
+    r.reauth_result[0] = r.reauth_total = 99999999;
+    send(auth(400));  // 5e9 / 6e7 is 83; (700 * 49999999 + 400) mod 2^32 = 640261332, / 5e7
     EXPECT_EQ(d1x().auth_success_rate, 83u);
-    // (700 * 49999999 + 400) modulo 2^32 is 640261332, over 50000000 successes.
     EXPECT_EQ(d1x().auth_avg_time, 12u);
-    authmng_auth_info_t reauth = event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH, 0);
-    send(reauth);
+    send(event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH));
     EXPECT_EQ(d1x().reauth_success_rate, 100u);
-
-    // Past 2^32 successes the 32-bit product takes n - 1 as 0: the sum is
-    // the time itself, and any 32-bit sum over n truncates to 0.
-    g_amg_d1x[0].auth_result[0] = uint64_t{1} << 32;
+    r.auth_result[0] = uint64_t{1} << 32;  // n - 1 is 0 in 32 bits; sum / n is 0
     send(auth(900));
     EXPECT_EQ(d1x().auth_avg_time, 0u);
-    g_amg_d1x[0].auth_result[0] = 2, g_amg_d1x[0].auth_avg_time = 900;
-    send(auth(300));  // (900 * 2 + 300) / 3
+
+    r.auth_total = r.auth_result[0] = r.reauth_total = UINT64_MAX, r.auth_avg_time = 700;
+    send(auth(500));
+    EXPECT_EQ(d1x().auth_total + d1x().auth_result[0] + d1x().auth_success_rate, 0u);
     EXPECT_EQ(d1x().auth_avg_time, 700u);
+    send(auth(100));  // one success since the wrap: 100 / 1
+    EXPECT_EQ(d1x().auth_avg_time, 100u);
+    EXPECT_EQ(d1x().auth_success_rate, 100u);
+    send(event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH));
+    EXPECT_EQ(d1x().reauth_total + d1x().reauth_success_rate, 0u);
 }
 
-TEST_F(Dot1xIntakeTest, OnlineNumbersAndDisabledIntake) {
+TEST_F(Dot1xIntakeTest, StartEventsMoveOnlyTheOnlineNumbers) {
     authmng_dot1x_stat_t expected = d1x();
     authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH_START);
     send(info);  // online 0 leaves the old number open
@@ -169,15 +162,6 @@ TEST_F(Dot1xIntakeTest, OnlineNumbersAndDisabledIntake) {
     info.online_num = 4;
     send(info);
     EXPECT_EQ(d1x().old_online_number + d1x().max_online_number + d1x().current_online_number, 22u);
-
-    debug(1);
-    authmng_notify_dot1x_info(nullptr);
-    g_authmng_statistic_enable = 0;
-    send(auth(10));
-    EXPECT_EQ(lines_of(take_syslog(), "authmng_notify_dot1x_info", "ERROR"),
-              (Lines{"auth_info NULL", "g_authmng_statistic_enable: false"}));
-    g_authmng_statistic_enable = 1;
-
     authmng_dot1x_init(&g_amg_d1x[0]);
     send(auth(10));  // online 0, but an authentication is now counted
     info = auth(10);
@@ -225,22 +209,27 @@ TEST_F(Dot1xIntakeTest, DebugLinesOfEachStep) {
     EXPECT_EQ(take_syslog(), "");
 }
 
-TEST_F(Dot1xIntakeTest, EventEntryRoutesByKind) {
+// Both entries: the records each drops with an error line, and the event
+// entry routing 802.1X and MAB events to the intake.
+TEST_F(Dot1xIntakeTest, EntriesRouteByKindAndReportWhatTheyDrop) {
     debug(1);
-    authmng_notify_auth_info(nullptr);
+    authmng_notify_auth_info(nullptr), authmng_notify_dot1x_info(nullptr);
     for (int32_t kind : {1, 0, 4, 2, 3}) {
         authmng_auth_info_t info = auth(10, 0, 0, 0, kind);
         authmng_notify_auth_info(&info);
     }
     g_authmng_statistic_enable = 0;
     authmng_auth_info_t info = auth(10);
-    authmng_notify_auth_info(&info);
+    authmng_notify_auth_info(&info), authmng_notify_dot1x_info(&info);
+    g_authmng_statistic_enable = 1;
     std::string log = take_syslog();
     EXPECT_EQ(lines_of(log, "authmng_notify_auth_info", "ERROR"),
               (Lines{"auth_info == NULL.", "client(1) error", "client(0) error", "client(4) error",
                      "g_authmng_statistic_enable == false."}));
     EXPECT_EQ(lines_of(log, "authmng_notify_auth_info"),
               Lines(2, "client == AUTHMNG_CLIENT_DOT1X"));
+    EXPECT_EQ(lines_of(log, "authmng_notify_dot1x_info", "ERROR"),
+              (Lines{"auth_info NULL", "g_authmng_statistic_enable: false"}));
     EXPECT_EQ(d1x(AUTHMNG_METHOD_DOT1X).auth_total + d1x(AUTHMNG_METHOD_MAB).auth_total, 2u);
 }
 
@@ -260,23 +249,6 @@ TEST_F(Dot1xIntakeTest, LongTimeReasonThroughTheRssiField) {
         all += g_authmng_sec_range_reason[i] + g_authmng_thi_range_reason[i];
     }
     EXPECT_EQ(all, 2u);
-}
-
-// Counters carry no overflow guard: totals that pass 2^64 - 1 read 0, and
-// the rates and the average taken from them do not divide by that zero.
-TEST_F(Dot1xIntakeTest, CountersPastTheirTopWrapWithoutTrapping) {
-    authmng_dot1x_stat_t &r = g_amg_d1x[0];
-    r.auth_total = r.auth_result[0] = r.reauth_total = UINT64_MAX;
-    r.auth_avg_time = 700;
-    send(auth(500));
-    EXPECT_EQ(d1x().auth_total + d1x().auth_result[0] + d1x().auth_success_rate, 0u);
-    EXPECT_EQ(d1x().auth_avg_time, 700u);
-    send(auth(100));  // one success since the wrap: 100 / 1
-    EXPECT_EQ(d1x().auth_avg_time, 100u);
-    EXPECT_EQ(d1x().auth_success_rate, 100u);
-    authmng_auth_info_t reauth = event_record(AUTHMNG_CLIENT_DOT1X, D1X_REAUTH, 0);
-    send(reauth);
-    EXPECT_EQ(d1x().reauth_total + d1x().reauth_success_rate, 0u);
 }
 
 // In a process of another client the 802.1X records were never set up: an
