@@ -1,7 +1,6 @@
-// The 802.1X displays: fresh records against the golden texts, the worked
-// figures, the per-code lines, the summary and the abnormal table.
+// The 802.1X statistic displays: fresh records against the golden texts,
+// the worked figures, the per-code lines and the summary.
 #include <climits>
-#include <cstring>
 #include <string>
 
 #include "support/fixture.h"
@@ -29,14 +28,12 @@ TEST_F(Dot1xShowTest, FreshRecordsPrintTheGoldenTexts) {
     EXPECT_EQ(take_cli(), golden("dot1x_auth_detail_fresh.txt"));
     authmng_show_dot1x_statistic_telnet(0);
     EXPECT_EQ(take_cli(), golden("dot1x_telnet_fresh.txt"));
-    authmng_show_dot1x_statistic_abnormal(AUTHMNG_ABNORMAL_FILTER_ALL);
-    EXPECT_EQ(take_cli(), golden("dot1x_abnormal_empty.txt"));
 }
 
 TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
     dot1x_.auth_total = 10, dot1x_.auth_result[0] = 6, dot1x_.auth_result[5] = 2;
-    dot1x_.auth_result[1] = 1, dot1x_.auth_result[3] = 1;
-    dot1x_.reauth_total = 7, dot1x_.reauth_result[0] = 4;  // 3 failed: 1 of code 1, 2 and 70
+    dot1x_.auth_result[2] = 1, dot1x_.auth_result[4] = 1;
+    dot1x_.reauth_total = 7, dot1x_.reauth_result[0] = 4;  // 3 failed: one each of 1, 2 and 70
     dot1x_.reauth_result[1] = dot1x_.reauth_result[2] = dot1x_.reauth_result[70] = 1;
     dot1x_.offline_total = 3, dot1x_.success_rssi_sum = -131, dot1x_.fail_rssi_sum = -250;
     dot1x_.over1s_total = 1500, dot1x_.over1s_sta = 300;
@@ -49,7 +46,7 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
     expect_lines(out, {" authentication success rate:..................75%.",
                        " wireless foundation factor:....................10%.",
                        " adjust authentication success rate:...........85%.",
-                       "  aaa timeout                              : 1",
+                       "  other timeout                            : 1",
                        " authentication success rssi avgvalue:.........-13dBm.",
                        " authentication fail rssi avgvalue:............-83dBm.",
                        " offline_total:................................6.",
@@ -68,10 +65,6 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
                               "  aaa timeout                              : 7",
                               "  sta and aaa timeout .........................4"});
 
-    // Failures of both kinds and both rounds share the fail average: 300 / 6.
-    dot1x_.auth_result[2] = 3, dot1x_.fail_rssi_sum = -300;
-    authmng_show_dot1x_statistic(0);
-    EXPECT_TRUE(has_line(take_cli(), " authentication fail rssi avgvalue:............-50dBm."));
     // The most negative sum over a count of -1 wraps instead of trapping.
     dot1x_.auth_result[0] = 0xFFFFFFFFull - 4, dot1x_.success_rssi_sum = INT32_MIN;
     authmng_show_dot1x_statistic(0);
@@ -114,33 +107,6 @@ TEST_F(Dot1xShowTest, SummaryLeavesOrdinaryOfflinesOut) {
               "    \"offline_total\": 6,\n    \"offline_by_auth\": 3,\n"
               "    \"auth_range_1000\": 0,\n    \"auth_range_3000\": 0,\n"
               "    \"auth_range_other\": -1\n}\n\n");
-}
-
-TEST_F(Dot1xShowTest, AbnormalTableFiltersByEventKind) {
-    authmng_auth_info_t auth = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 3);
-    const uint8_t mac[] = {0x00, 0x1a, 0x2b, 0x3c, 0x4d, 0x5e};
-    memcpy(auth.mac, mac, sizeof mac);
-    auth.auth_time = 1500, auth.aaa_timeout = 1, auth.requestid_timeout = 2;
-    auth.request_timeout = 3, auth.rsna_notify = 4, auth.start_notify = 5, auth.rssi = -70;
-    auth.sta_time = 11, auth.self_time = 12, auth.aaa_time = 13, auth.rds_time = 14;
-    auth.rds_srv_time = 15, auth.aaa_code = -16, auth.rds_code = 17, auth.dismatch_id = 18;
-    auth.logoff = 19;
-    strcpy(auth.username, "alice");
-    authmng_auth_info_t offline = event_record(AUTHMNG_CLIENT_MAB, D1X_OFFLINE, 3);
-    for (const authmng_auth_info_t &info : {auth, offline}) authmng_record_abnormal_auth(&info);
-    const std::string header = golden("dot1x_abnormal_empty.txt");
-    const std::string offline_row =
-        "03.09 14:05:07 0000.0000.0000 0          0     0      0       0    0    D1X_OFFLINE "
-        "user logoff        0  dBm 0     0     0     0     0     0     0     0     0     "
-        "          \n";
-    const std::string auth_row =
-        "03.09 14:05:07 001a.2b3c.4d5e 1500       1     2      3       4    5    D1X_AUTH    "
-        "aaa timeout        -70dBm 11    12    13    14    15    -16   17    18    19    alice"
-        "     \n";
-    authmng_show_dot1x_statistic_abnormal(AUTHMNG_ABNORMAL_FILTER_ALL);
-    EXPECT_EQ(take_cli(), header + auth_row + offline_row);
-    authmng_show_dot1x_statistic_abnormal(D1X_OFFLINE);
-    EXPECT_EQ(take_cli(), header + offline_row);
 }
 
 }  // namespace
