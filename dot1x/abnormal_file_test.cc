@@ -42,13 +42,11 @@ protected:
 
 TEST_F(AbnormalTest, CapEvictsOneOldestPerEvent) {
     g_authmng_abnormal_record_max = 3;
-    for (uint32_t result = 1; result <= 4; ++result) queue(result);
-    EXPECT_EQ(queued(), (std::vector<uint32_t>{2, 3, 4}));
-    g_authmng_abnormal_record_max = 10;
-    queue(5), queue(6);
-    g_authmng_abnormal_record_max = 2;  // lowered below the length
+    for (uint32_t result = 1; result <= 6; ++result) queue(result);
+    EXPECT_EQ(queued(), (std::vector<uint32_t>{4, 5, 6}));
+    g_authmng_abnormal_record_max = 2;  // lowered below the length: still one out, one in
     queue(7);
-    EXPECT_EQ(queued(), (std::vector<uint32_t>{3, 4, 5, 6, 7}));
+    EXPECT_EQ(queued(), (std::vector<uint32_t>{5, 6, 7}));
 }
 
 // A record with every field set and one with none, of both methods: the
@@ -100,14 +98,14 @@ TEST_F(AbnormalTest, EveryFieldInTheTableAndInTheFile) {
 }
 
 TEST_F(AbnormalTest, FileRestartsOnlyPastSixHundredThousandBytes) {
-    write_file_of_size(file(), 600000);
+    write_file_of_size(file(), 600000);  // 7500 lines of 80 bytes
     queue(5);
     authmng_write_dot1x_abnormal_record_to_file();
-    EXPECT_EQ(count_lines(read_file(file()).substr(600000)), 1u);
+    EXPECT_EQ(count_lines(read_file(file())), 7500u + 1);  // kept, no header
     write_file_of_size(file(), 600001);
     queue(5);
     authmng_write_dot1x_abnormal_record_to_file();
-    EXPECT_EQ(read_file(file()).find(kHeader), 0u);
+    EXPECT_EQ(read_file(file()).rfind(kHeader, 0), 0u);
     EXPECT_EQ(count_lines(read_file(file())), 2u);
 }
 
