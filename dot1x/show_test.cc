@@ -72,22 +72,20 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
         has_line(take_cli(), " authentication success rssi avgvalue:.........-2147483648dBm."));
 }
 
-TEST_F(Dot1xShowTest, CodeListsPrintEveryCodeOfTheirSpans) {
+// Each list reads its own counters, of the method asked for; the golden
+// texts hold the lines of every code.
+TEST_F(Dot1xShowTest, CodeListsReadTheirOwnCounters) {
     mab_.auth_result[25] = 9, mab_.reauth_result[134] = 2, mab_.offline_reason[127] = 3;
     authmng_show_dot1x_statistic_fail(1);
-    std::string out = take_cli();
-    EXPECT_EQ(count_lines(out), 2u + 2 + 134 + 2 + 134 + 2 + 135 + 1);
-    expect_lines(out, {std::string(4 + 30, ' ') + ": 9", "    other reason                  : 2",
-                       "    stachk stamg                  : 3"});
-    dot1x_.auth_result[125] = 5;
+    expect_lines(take_cli(),
+                 {std::string(4 + 30, ' ') + ": 9", "    other reason                  : 2",
+                  "    stachk stamg                  : 3"});
+    dot1x_.auth_result[125] = 5, dot1x_.reauth_result[106] = 4, dot1x_.offline_reason[61] = 6;
     authmng_show_dot1x_auth_detail(0);
     EXPECT_TRUE(has_line(take_cli(), " other                                   : 5."));
-    dot1x_.reauth_result[106] = 4, dot1x_.offline_reason[61] = 6;
     authmng_show_dot1x_reauth_detail(0);
-    out = take_cli();
-    EXPECT_EQ(out.rfind("\nShow dot1x reauth fail by stamg:\n", 0), 0u);
-    expect_lines(
-        out, {"Show dot1x reauth fail by roam:", " online result                           : 4."});
+    expect_lines(take_cli(), {"Show dot1x reauth fail by stamg:", "Show dot1x reauth fail by roam:",
+                              " online result                           : 4."});
     authmng_show_dot1x_offline_detail(0);
     expect_lines(take_cli(),
                  {"Show dot1x offline by rsna:", " unassoc                                 : 6.",
