@@ -54,7 +54,6 @@ TEST_F(AbnormalTest, CapEvictsOneOldestPerEvent) {
 // them with their queueing time and empties the list.
 TEST_F(AbnormalTest, EveryFieldInTheTableAndInTheFile) {
     authmng_write_dot1x_abnormal_record_to_file();  // empty list, no file: header only
-    authmng_write_dot1x_abnormal_record_to_file();  // empty list, file kept as it is
     EXPECT_EQ(read_file(file()), kHeader);
 
     authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 3);
