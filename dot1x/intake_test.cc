@@ -14,17 +14,6 @@ namespace {
 using Lines = std::vector<std::string>;
 using Nums = std::vector<uint64_t>;
 
-// The messages of the debug lines of one function, in order.
-Lines lines_of(const std::string &log, const std::string &function, const char *kind = "EVENT") {
-    Lines found;
-    const std::string lead = std::string("AUTHMNG_LIB_") + kind + "_DBG: [" + function + " line:";
-    for (size_t at = log.find(lead); at != std::string::npos; at = log.find(lead, at + 1)) {
-        const size_t text = log.find("] ", at) + 2;
-        found.push_back(log.substr(text, log.find('\n', at) - text));
-    }
-    return found;
-}
-
 class Dot1xIntakeTest : public AuthmngTest {
 protected:
     void SetUp() override {
@@ -159,35 +148,43 @@ TEST_F(Dot1xIntakeTest, DebugLinesOfEachStepAndEntry) {
     send(info);
     info.event = D1X_OFFLINE, info.offline_reason = 1;
     send(info);
-    std::string log = take_syslog();
-    EXPECT_EQ(lines_of(log, "authmng_notify_auth_info", "ERROR"),
-              Lines{"g_authmng_statistic_enable == false."});
-    EXPECT_EQ(lines_of(log, "authmng_notify_dot1x_info", "ERROR"),
+    const std::string log = take_syslog();
+    // The messages of the debug lines of one function, in order.
+    auto of = [&log](const std::string &function, const char *kind = "EVENT") {
+        Lines found;
+        const std::string lead =
+            std::string("AUTHMNG_LIB_") + kind + "_DBG: [authmng_" + function + " line:";
+        for (size_t at = log.find(lead); at != std::string::npos; at = log.find(lead, at + 1)) {
+            const size_t text = log.find("] ", at) + 2;
+            found.push_back(log.substr(text, log.find('\n', at) - text));
+        }
+        return found;
+    };
+    EXPECT_EQ(of("notify_auth_info", "ERROR"), Lines{"g_authmng_statistic_enable == false."});
+    EXPECT_EQ(of("notify_dot1x_info", "ERROR"),
               (Lines{"auth_info NULL", "g_authmng_statistic_enable: false"}));
-    EXPECT_EQ(lines_of(log, "authmng_notify_auth_info"), Lines{"client == AUTHMNG_CLIENT_DOT1X"});
-    EXPECT_EQ(lines_of(log, "authmng_notify_dot1x_info"),
-              (Lines{"D1X_AUTH_FIRST", "D1X_REAUTH", "D1X_OFFLINE"}));
+    EXPECT_EQ(of("notify_auth_info"), Lines{"client == AUTHMNG_CLIENT_DOT1X"});
+    EXPECT_EQ(of("notify_dot1x_info"), (Lines{"D1X_AUTH_FIRST", "D1X_REAUTH", "D1X_OFFLINE"}));
     EXPECT_EQ(
-        lines_of(log, "authmng_notify_dot1x_get_online_num"),
+        of("notify_dot1x_get_online_num"),
         (Lines{"Get 1x old online user number: 3.", "Get 1x current online user number: 3.",
                "Get 1x current online user number: 3.", "Get 1x current online user number: 3."}));
-    EXPECT_EQ(lines_of(log, "authmng_notify_dot1x_info_auth"),
+    EXPECT_EQ(of("notify_dot1x_info_auth"),
               (Lines{"Recv 1x auth info, result: 0.", "Recv auth result: success, rssi: -42.",
                      "total auth count: 1\xEF\xBF\xBD\xEF\xBF\xBDsuccess: 1.",
                      "auth success rate: 100%.", "user(alice)1x auth time: 1500.",
                      "auth_time: 1500ms, su_total: 1500ms, su_result: 1",
                      "dot1x auth abnormal and add to list."}));
-    EXPECT_EQ(lines_of(log, "authmng_dot1x_statistic_range"),
+    EXPECT_EQ(of("dot1x_statistic_range"),
               (Lines{"range[1]++", "range[1]++", "range[0]++", "range[0]++", "range[0]++",
                      "range[0]++", "range[0]++"}));
     EXPECT_EQ(
-        lines_of(log, "authmng_notify_dot1x_info_reauth"),
+        of("notify_dot1x_info_reauth"),
         (Lines{"Recv 1x reauth info, result: 2.",
                "Recv reauth result: failure, reason: 2, rssi: -42.",
                "reauth info: total: 1, success: 0.", "dot1x reauth abnormal and add to list."}));
-    EXPECT_EQ(lines_of(log, "authmng_notify_dot1x_info_offline"),
-              (Lines{"Recv 1x offline info, reason: 1, rssi: -42.",
-                     "dot1x auth abnormal and add to list."}));
+    EXPECT_EQ(of("notify_dot1x_info_offline"), (Lines{"Recv 1x offline info, reason: 1, rssi: -42.",
+                                                      "dot1x auth abnormal and add to list."}));
     EXPECT_EQ((Nums{d1x(AUTHMNG_METHOD_MAB).auth_total, d1x().auth_total}), (Nums{1, 0}));
     g_authmng_lib_event_dbg = g_authmng_lib_error_dbg = 0;
     send(info);
