@@ -95,6 +95,7 @@ TEST_F(StatisticFilesTest, FilesRestartOnlyPastFiftyThousandBytes) {
 
 TEST(ComposeTest, AppendsWithinItsBuffer) {
     char buf[8] = "abc";
+    authmng_compose_inter_str(buf, 0, 1);  // no room at all
     authmng_compose_inter_str(buf, sizeof buf, 123456);
     authmng_compose_inter_str(buf, sizeof buf, 9);  // full: nothing more
     EXPECT_STREQ(buf, "abc,123");
