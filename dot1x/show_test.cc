@@ -40,7 +40,8 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
     dot1x_.over3s_aaa = 900;  // over3s_total 0, range[0].count[2] 0
     dot1x_.range[0].count[0] = 4, dot1x_.range[0].count[1] = 3;
     g_authmng_sec_range_reason[2] = 4, g_authmng_thi_range_reason[3] = 9;
-    mab_.auth_result[3] = 7;
+    mab_.auth_total = 10, mab_.auth_result[3] = 7;  // and one of each wireless group
+    mab_.auth_result[70] = mab_.auth_result[103] = mab_.auth_result[125] = 1;
     authmng_show_dot1x_statistic(0);
     std::string out = take_cli();
     expect_lines(out, {" authentication success rate:..................75%.",
@@ -59,6 +60,7 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
     EXPECT_EQ(out.find("hb entry invld"), std::string::npos) << "group codes only in sums";
     authmng_show_dot1x_statistic(1);  // its own record, the shared long-time reasons
     expect_lines(take_cli(), {" MAB current online number:..................0.",
+                              " wireless foundation factor:....................30%.",
                               "  aaa timeout                              : 7",
                               "  sta and aaa timeout .........................4"});
 
