@@ -1,6 +1,6 @@
-// The abnormal list and its 802.1X writer: cap and eviction, independent
-// copies, the drain with its header, row format and order, and the
-// 600000-byte rule.
+// The abnormal list, its 802.1X table and its 802.1X file: cap and
+// eviction, independent stamped copies, every field in the table and in the
+// file, the filter by event kind, the drain, and the 600000-byte rule.
 #include <arpa/inet.h>
 
 #include <cstring>
@@ -21,11 +21,9 @@ protected:
     void SetUp() override {
         AuthmngTest::SetUp();
         ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
-        path_ = flash_path("/security/authmanage/dot1x/dot1x_abnormal.csv");
     }
-    static void queue(uint32_t result, uint32_t event = D1X_AUTH, uint32_t ms = 0) {
-        authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, event, result);
-        info.auth_time = ms;
+    static void queue(uint32_t result) {
+        authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, result);
         authmng_record_abnormal_auth(&info);
     }
     // Results of the queued records, oldest first; checks links and count.
@@ -39,81 +37,75 @@ protected:
         EXPECT_EQ(results.size(), g_authmng_abnormal_record_num);
         return results;
     }
-    std::string path_;
+    std::string file() const { return flash_path("/security/authmanage/dot1x/dot1x_abnormal.csv"); }
 };
 
 TEST_F(AbnormalTest, CapEvictsOneOldestPerEvent) {
     g_authmng_abnormal_record_max = 3;
-    for (uint32_t result = 1; result <= 4; ++result) queue(result);
-    EXPECT_EQ(queued(), (std::vector<uint32_t>{2, 3, 4}));
-    g_authmng_abnormal_record_max = 10;
-    queue(5), queue(6);
-    g_authmng_abnormal_record_max = 2;  // lowered below the length
+    for (uint32_t result = 1; result <= 6; ++result) queue(result);
+    EXPECT_EQ(queued(), (std::vector<uint32_t>{4, 5, 6}));
+    g_authmng_abnormal_record_max = 2;  // lowered below the length: still one out, one in
     queue(7);
-    EXPECT_EQ(queued(), (std::vector<uint32_t>{3, 4, 5, 6, 7}));
+    EXPECT_EQ(queued(), (std::vector<uint32_t>{5, 6, 7}));
 }
 
-TEST_F(AbnormalTest, CopyIsIndependentAndStamped) {
-    authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 5);
-    strcpy(info.username, "bob");
-    authmng_record_abnormal_auth(&info);
-    strcpy(info.username, "eve");
-    auto *node =
-        reinterpret_cast<authmng_abnormal_node_t *>(g_authmng_auth_abnormal_record_list.next);
-    EXPECT_STREQ(node->info.username, "bob");
-    EXPECT_EQ(node->time, static_cast<uint64_t>(kMonday140507));
-    EXPECT_EQ(queued(), (std::vector<uint32_t>{5}));
-}
-
-TEST_F(AbnormalTest, DrainWritesRowsInQueueOrder) {
+// A record with every field set and one with none, of both methods: the
+// table shows them oldest first, filtered by event kind; the drain writes
+// them with their queueing time and empties the list.
+TEST_F(AbnormalTest, EveryFieldInTheTableAndInTheFile) {
     authmng_write_dot1x_abnormal_record_to_file();  // empty list, no file: header only
-    authmng_write_dot1x_abnormal_record_to_file();  // empty list, file kept as it is
-    EXPECT_EQ(read_file(path_), kHeader);
+    EXPECT_EQ(read_file(file()), kHeader);
 
-    authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_OFFLINE, 5);
-    info.offline_reason = 1;
-    strcpy(info.username, "carol");
+    authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 3);
     const uint8_t mac[6] = {0x00, 0x1a, 0x2b, 0x3c, 0x4d, 0x5e};
     memcpy(info.mac, mac, sizeof mac);
-    info.ip = htonl(0xC0A80114);
-    info.auth_time = 1234, info.aaa_timeout = 1, info.requestid_timeout = 2;
-    info.request_timeout = 3, info.rsna_notify = 4, info.start_notify = 5, info.rssi = -61;
-    info.sta_time = 11, info.self_time = 12, info.aaa_time = 13, info.rds_time = 14;
-    info.rds_srv_time = 15, info.aaa_code = -1, info.rds_code = 7, info.dismatch_id = 8;
-    info.logoff = 9;
+    info.ip = htonl(0xC0A80114), info.auth_time = 1500, info.aaa_timeout = 1;
+    info.requestid_timeout = 2, info.request_timeout = 3, info.rsna_notify = 4;
+    info.start_notify = 5, info.rssi = -70, info.sta_time = 11, info.self_time = 12;
+    info.aaa_time = 13, info.rds_time = 14, info.rds_srv_time = 15, info.aaa_code = -16;
+    info.rds_code = 17, info.dismatch_id = 18, info.logoff = 19;
+    strcpy(info.username, "alice");
     authmng_record_abnormal_auth(&info);
+    strcpy(info.username, "eve");  // the queued copy is the list's own
     authmng_host_clock_set(kMonday140507 + 60);
-    queue(1);
-    authmng_host_clock_set(kMonday140507 + 120);
-    queue(0, D1X_AUTH, 1500);
+    authmng_auth_info_t offline = event_record(AUTHMNG_CLIENT_MAB, D1X_OFFLINE, 3);
+    authmng_record_abnormal_auth(&offline);
+
+    const std::string offline_row =
+        "03.09 14:06:07 0000.0000.0000 0          0     0      0       0    0    D1X_OFFLINE "
+        "user logoff        0  dBm 0     0     0     0     0     0     0     0     0     "
+        "          \n";
+    authmng_show_dot1x_statistic_abnormal(AUTHMNG_ABNORMAL_FILTER_ALL);
+    EXPECT_EQ(take_cli(),
+              golden("dot1x_abnormal_empty.txt") +
+                  "03.09 14:05:07 001a.2b3c.4d5e 1500       1     2      3       4    5    "
+                  "D1X_AUTH    aaa timeout        -70dBm 11    12    13    14    15    -16   "
+                  "17    18    19    alice     \n" +
+                  offline_row);
+    authmng_show_dot1x_statistic_abnormal(D1X_OFFLINE);
+    EXPECT_EQ(take_cli(), golden("dot1x_abnormal_empty.txt") + offline_row);
+
     authmng_write_dot1x_abnormal_record_to_file();
-    EXPECT_EQ(read_file(path_),
+    EXPECT_EQ(read_file(file()),
               std::string(kHeader) +
-                  "03.09 14:05:07,carol,001a.2b3c.4d5e,192.168.1.20,1234,1,2,3,4,5,D1X_OFFLINE,"
-                  "server kickout user,-61,11,12,13,14,15,-1,7,8,9\n"
-                  "03.09 14:06:07,,0000.0000.0000,0.0.0.0,0,0,0,0,0,0,D1X_AUTH,request id "
-                  "timeout,0,0,0,0,0,0,0,0,0,0\n"
-                  "03.09 14:07:07,,0000.0000.0000,0.0.0.0,1500,0,0,0,0,0,D1X_AUTH,auth "
-                  "success,0,0,0,0,0,0,0,0,0,0\n");
-    authmng_list_head_t *head = &g_authmng_auth_abnormal_record_list;
-    EXPECT_TRUE(head->next == head && head->prev == head);
-    queue(3);
+                  "03.09 14:05:07,alice,001a.2b3c.4d5e,192.168.1.20,1500,1,2,3,4,5,D1X_AUTH,"
+                  "aaa timeout,-70,11,12,13,14,15,-16,17,18,19\n"
+                  "03.09 14:06:07,,0000.0000.0000,0.0.0.0,0,0,0,0,0,0,D1X_OFFLINE,user "
+                  "logoff,0,0,0,0,0,0,0,0,0,0\n");
+    queue(3);  // the drained list starts again from empty
     EXPECT_EQ(queued(), (std::vector<uint32_t>{3}));
 }
 
-TEST_F(AbnormalTest, SizeRule) {
-    write_file_of_size(path_, 600000);
+TEST_F(AbnormalTest, FileRestartsOnlyPastSixHundredThousandBytes) {
+    write_file_of_size(file(), 600000);  // 7500 lines of 80 bytes
     queue(5);
     authmng_write_dot1x_abnormal_record_to_file();
-    std::string kept = read_file(path_);
-    EXPECT_EQ(kept[0], 'x');
-    EXPECT_EQ(count_lines(kept.substr(600000)), 1u);
-    write_file_of_size(path_, 600001);
+    EXPECT_EQ(count_lines(read_file(file())), 7500u + 1);  // kept, no header
+    write_file_of_size(file(), 600001);
     queue(5);
     authmng_write_dot1x_abnormal_record_to_file();
-    EXPECT_EQ(read_file(path_).find(kHeader), 0u);
-    EXPECT_EQ(count_lines(read_file(path_)), 2u);
-    EXPECT_EQ(queued().size(), 0u);
+    EXPECT_EQ(read_file(file()).rfind(kHeader, 0), 0u);
+    EXPECT_EQ(count_lines(read_file(file())), 2u);
 }
 
 }  // namespace
