@@ -75,15 +75,11 @@ TEST_F(HostileFilesTest, TrapsWhereTheFilesBelong) {
     for (Trap trap : {kDanglingLink, kLinkToVictim, kHardLink, kForeignFile, kFifo}) {
         SCOPED_TRACE(trap);
         for (const std::string &file : files) lay(trap, file, victim);
-        for (int n = 0; n < 2; ++n) {
-            authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 5);
-            authmng_notify_auth_info(&info);
-        }
-        for (int round = 0; round < 2; ++round) {
+        authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 5);
+        authmng_notify_auth_info(&info), authmng_notify_auth_info(&info);
+        for (bool trapped : {true, false}) {
             take_syslog();
-            authmng_write_dot1x_statistic_to_tmpfile();
-            authmng_write_dot1x_abnormal_record_to_file();
-            const bool trapped = round == 0;
+            write_all(AUTHMNG_CLIENT_DOT1X);
             std::string log = take_syslog();
             for (const std::string &file : files)
                 EXPECT_EQ(log.find(file) != std::string::npos, trapped);

@@ -30,13 +30,14 @@ constexpr uint32_t kCapLow = 5000;
 bool consistent(int32_t client) {
     authmng::LibraryLock lock;
     bool ok = abnormal_list_length() == g_authmng_abnormal_record_num;
-    if (client == AUTHMNG_CLIENT_DOT1X) {
-        for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
-            ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
-        }
-        return ok;
+    if (client == AUTHMNG_CLIENT_WBA) {
+        return ok && webauth_consistent(g_authmng_webauth) &&
+               webauth_consistent(g_authmng_webauth_tmp);
     }
-    return ok && webauth_consistent(g_authmng_webauth) && webauth_consistent(g_authmng_webauth_tmp);
+    for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
+        ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
+    }
+    return ok;
 }
 
 // One daemon thread: events of its client, the abnormal ones each under a
@@ -82,42 +83,29 @@ protected:
         ASSERT_EQ(authmng_host_cli_bind(100, "debug authmng"), 0);
         ASSERT_EQ(start(client, 100, 200), 0);
         FILE *discard = fopen("/dev/null", "w");
-        ASSERT_NE(discard, nullptr);
         authmng_host_cli_output(discard);
         // Tuned first: the intakes queue far faster than a drain writes, and
         // would reach the default cap of 1000 before the first command ran.
-        char line[96];
-        snprintf(line, sizeof line, "debug authmng record-num %u", kCapLow);
-        ASSERT_EQ(authmng_host_cli_exec(line), 0);
-        snprintf(line, sizeof line, "debug authmng abnormal-value %u", kThresholdLow);
-        ASSERT_EQ(authmng_host_cli_exec(line), 0);
+        auto tune = [](const char *what, uint32_t value) {
+            std::string line = "debug authmng " + std::string(what) + " " + std::to_string(value);
+            return authmng_host_cli_exec(line.c_str());
+        };
+        ASSERT_EQ(tune("record-num", kCapLow) | tune("abnormal-value", kThresholdLow), 0);
         const bool web = client == AUTHMNG_CLIENT_WBA;
         std::atomic<bool> done{false};
         std::atomic<int> inconsistent{0};
 
         std::thread timer([&] {  // the timer's writers, as often as they can
-            while (!done.load()) {
-                if (web) {
-                    authmng_write_webauth_statistic_to_tmp();
-                    authmng_write_webauth_abnormal_record_to_file();
-                } else {
-                    authmng_write_dot1x_statistic_to_tmpfile();
-                    authmng_write_dot1x_statistic_to_flashfile();
-                    authmng_write_dot1x_abnormal_record_to_file();
-                }
-            }
+            while (!done.load()) write_all(client);
         });
         std::thread command_line([&] {  // displays, clears and tuning
             unsigned seed = 5;
             for (int round = 0; !done.load(); ++round) {
                 inconsistent += consistent(client) ? 0 : 1;
                 for (const char *command : commands) authmng_host_cli_exec(command);
-                snprintf(line, sizeof line, "debug authmng abnormal-value %u",
-                         kThresholdLow + rand_r(&seed) % (kThresholdHigh - kThresholdLow + 1));
-                authmng_host_cli_exec(line);
-                snprintf(line, sizeof line, "debug authmng record-num %u",
-                         kCapLow + rand_r(&seed) % 5001);
-                authmng_host_cli_exec(line);
+                tune("abnormal-value",
+                     kThresholdLow + rand_r(&seed) % (kThresholdHigh - kThresholdLow + 1));
+                tune("record-num", kCapLow + rand_r(&seed) % 5001);
                 if (round % 4 == 0) authmng_host_cli_exec("debug authmng clear-statistic");
             }
         });
@@ -130,9 +118,10 @@ protected:
                 authmng_get_check_result(&totals, &verdict);
             }
         });
-        std::vector<std::vector<std::string>> abnormal(kIntakes);
-        std::vector<std::thread> intakes;
-        for (int t = 0; t < kIntakes; ++t) intakes.emplace_back(report, client, t, &abnormal[t]);
+        std::vector<std::string> abnormal[kIntakes];
+        std::thread intakes[kIntakes];
+        for (int t = 0; t < kIntakes; ++t)
+            intakes[t] = std::thread(report, client, t, &abnormal[t]);
         for (std::thread &t : intakes) t.join();
         done.store(true);
         timer.join(), command_line.join(), escape.join();
@@ -141,15 +130,9 @@ protected:
 
         EXPECT_EQ(inconsistent.load(), 0);
         EXPECT_TRUE(consistent(client));
-        if (web) {
-            authmng_write_webauth_abnormal_record_to_file();
-        } else {
-            authmng_write_dot1x_abnormal_record_to_file();
-        }
+        write_all(client);
         EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
-        std::string rows =
-            read_file(flash_path(web ? "/security/authmanage/webauth/wba_abnormal.csv"
-                                     : "/security/authmanage/dot1x/dot1x_abnormal.csv"));
+        std::string rows = read_file(abnormal_file(client));
         size_t queued = 0;
         for (const std::vector<std::string> &names : abnormal) {
             size_t last = 0;
