@@ -28,8 +28,7 @@ const struct {
     {"del\x7f", "del\\x7f", "\"del\\x7f\""},
     {"+8613800000000", "+8613800000000", "+8613800000000"},
     {"-5", "-5", "-5"},
-    {"o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x"},
-};
+    {"o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x"}};
 
 // Ten characters, as wide as the 802.1X table's name column.
 const std::string kReference = "reference1";

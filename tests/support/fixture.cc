@@ -1,12 +1,8 @@
 #include "support/fixture.h"
 
 #include <ftw.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 
 namespace authmng_test {
@@ -60,19 +56,11 @@ std::string AuthmngTest::Capture::take() {
 }
 
 std::string read_file(const std::string &path) {
-    FILE *f = fopen(path.c_str(), "rb");
-    if (f == nullptr) return "";
     std::string text;
-    char chunk[4096];
-    size_t n;
-    while ((n = fread(chunk, 1, sizeof chunk, f)) > 0) text.append(chunk, n);
-    fclose(f);
+    FILE *f = fopen(path.c_str(), "rb");
+    for (int c; f != nullptr && (c = getc(f)) != EOF;) text.push_back(static_cast<char>(c));
+    if (f != nullptr) fclose(f);
     return text;
-}
-
-bool exists(const std::string &path) {
-    struct stat st;
-    return stat(path.c_str(), &st) == 0;
 }
 
 void write_file(const std::string &path, const std::string &text) {
@@ -89,20 +77,6 @@ void write_file_of_size(const std::string &path, size_t size) {
     write_file(path, text);
 }
 
-size_t count_lines(const std::string &text) {
-    return std::count(text.begin(), text.end(), '\n');
-}
-
-size_t occurrences(const std::string &text, const std::string &part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-    return n;
-}
-
-bool has_line(const std::string &text, const std::string &line) {
-    return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
-}
-
 void expect_lines(const std::string &text, std::initializer_list<std::string> lines) {
     for (const std::string &line : lines) EXPECT_TRUE(has_line(text, line)) << line << "\n" << text;
 }
@@ -113,21 +87,16 @@ std::string golden(const std::string &name) {
 
 void write_all(int32_t client) {
     if (client == AUTHMNG_CLIENT_WBA) {
-        authmng_write_webauth_statistic_to_tmp();
-        authmng_write_webauth_abnormal_record_to_file();
-    } else {
-        authmng_write_dot1x_statistic_to_tmpfile();
-        authmng_write_dot1x_statistic_to_flashfile();
-        authmng_write_dot1x_abnormal_record_to_file();
+        authmng_write_webauth_statistic_to_tmp(), authmng_write_webauth_abnormal_record_to_file();
+        return;
     }
+    authmng_write_dot1x_statistic_to_tmpfile(), authmng_write_dot1x_statistic_to_flashfile();
+    authmng_write_dot1x_abnormal_record_to_file();
 }
 
 authmng_auth_info_t event_record(int32_t client_type, uint32_t event, uint32_t result) {
-    authmng_auth_info_t info;
-    memset(&info, 0, sizeof info);
-    info.client_type = client_type;
-    info.event = event;
-    info.result = result;
+    authmng_auth_info_t info{};
+    info.client_type = client_type, info.event = event, info.result = result;
     return info;
 }
 

@@ -4,7 +4,9 @@
 #define AUTHMNG_TESTS_SUPPORT_FIXTURE_H
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <initializer_list>
@@ -42,9 +44,7 @@ protected:
     const std::string &root_dir() const { return root_; }
 
 private:
-    std::string root_;
-    std::string tmp_dir_;
-    std::string flash_dir_;
+    std::string root_, tmp_dir_, flash_dir_;
     // Output written into memory, taken in parts.
     struct Capture {
         char *buf = nullptr;
@@ -58,16 +58,27 @@ private:
 
 // Whole file as text ("" when missing); exists() for presence.
 std::string read_file(const std::string &path);
-bool exists(const std::string &path);
+inline bool exists(const std::string &path) {
+    struct stat st;
+    return stat(path.c_str(), &st) == 0;
+}
 void write_file(const std::string &path, const std::string &text);
 // A file of exactly size bytes (lines of 'x' ending in newlines).
 void write_file_of_size(const std::string &path, size_t size);
 // Number of lines of a text; occurrences of part in it (overlapping ones
 // count each).
-size_t count_lines(const std::string &text);
-size_t occurrences(const std::string &text, const std::string &part);
+inline size_t count_lines(const std::string &text) {
+    return std::count(text.begin(), text.end(), '\n');
+}
+inline size_t occurrences(const std::string &text, const std::string &part) {
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+    return n;
+}
 // Whether text holds line as one whole line; expect_lines checks several.
-bool has_line(const std::string &text, const std::string &line);
+inline bool has_line(const std::string &text, const std::string &line) {
+    return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
+}
 void expect_lines(const std::string &text, std::initializer_list<std::string> lines);
 // A golden text of tests/golden.
 std::string golden(const std::string &name);
