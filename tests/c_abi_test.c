@@ -8,101 +8,67 @@
 
 static int failures = 0;
 
-#define CHECK(cond)                                                    \
-    do {                                                               \
-        if (!(cond)) {                                                 \
-            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #cond); \
-            ++failures;                                                \
-        }                                                              \
-    } while (0)
+/* A field of a record: where it starts, and how wide the one before it is. */
+struct field {
+    size_t at, width_before;
+    const char *name;
+};
 
-/* b directly follows a of the given width in record T. */
-#define FOLLOWS(T, a, width, b) CHECK(offsetof(T, b) == offsetof(T, a) + (width))
+/* Each field directly follows the one before it in the list (the first
+ * entry marks the start of the record). */
+static void expect_chain(const char *record, const struct field *f, size_t n) {
+    size_t i;
+    for (i = 1; i < n; ++i) {
+        if (f[i].at == f[i - 1].at + f[i].width_before) continue;
+        fprintf(stderr, "%s: %s does not follow %s\n", record, f[i].name, f[i - 1].name);
+        ++failures;
+    }
+}
+
+#define CHAIN(T, ...)                                               \
+    do {                                                            \
+        typedef T R;                                                \
+        const struct field list[] = {{0, 0, "start"}, __VA_ARGS__}; \
+        expect_chain(#T, list, sizeof list / sizeof list[0]);       \
+    } while (0)
+/* f follows the field before it, which is w bytes wide (0: the first field). */
+#define F(f, w) \
+    { offsetof(R, f), (w), #f }
 
 int main(void) {
-    /* Registration record: three 32-bit words. */
-    CHECK(offsetof(authmng_reg_t, client_type) == 0);
-    FOLLOWS(authmng_reg_t, client_type, 4, debug_mode);
-    FOLLOWS(authmng_reg_t, debug_mode, 4, show_mode);
-    CHECK(sizeof(authmng_reg_t) == 12);
+    CHAIN(authmng_reg_t, F(client_type, 0), F(debug_mode, 4), F(show_mode, 4));
 
-    /* Event record: the order of every field the daemons fill. */
-    CHECK(offsetof(authmng_auth_info_t, client_type) == 0);
-    CHECK(offsetof(authmng_auth_info_t, online_num) >= 4);
-    FOLLOWS(authmng_auth_info_t, online_num, 8, reauth_num);
-    FOLLOWS(authmng_auth_info_t, reauth_num, 8, ip);
-    FOLLOWS(authmng_auth_info_t, ip, 4, auth_time);
-    FOLLOWS(authmng_auth_info_t, auth_time, 4, scc_time);
-    FOLLOWS(authmng_auth_info_t, scc_time, 4, acct_time);
-    FOLLOWS(authmng_auth_info_t, acct_time, 4, ack_time);
-    FOLLOWS(authmng_auth_info_t, ack_time, 4, portal_time);
-    FOLLOWS(authmng_auth_info_t, portal_time, 4, wba_state);
-    FOLLOWS(authmng_auth_info_t, wba_state, 4, wba_event);
-    FOLLOWS(authmng_auth_info_t, wba_event, 4, aaa_time);
-    FOLLOWS(authmng_auth_info_t, aaa_time, 4, aaa_code);
-    FOLLOWS(authmng_auth_info_t, aaa_code, 4, rds_srv_time);
-    FOLLOWS(authmng_auth_info_t, rds_srv_time, 4, rds_time);
-    FOLLOWS(authmng_auth_info_t, rds_time, 4, rds_code);
-    FOLLOWS(authmng_auth_info_t, rds_code, 4, acct_aaa_time);
-    FOLLOWS(authmng_auth_info_t, acct_aaa_time, 4, aaa_acct_code);
-    FOLLOWS(authmng_auth_info_t, aaa_acct_code, 4, acct_rds_svr_time);
-    FOLLOWS(authmng_auth_info_t, acct_rds_svr_time, 4, acct_rds_time);
-    FOLLOWS(authmng_auth_info_t, acct_rds_time, 4, rds_acct_code);
-    FOLLOWS(authmng_auth_info_t, rds_acct_code, 4, sta_time);
-    FOLLOWS(authmng_auth_info_t, sta_time, 4, self_time);
-    FOLLOWS(authmng_auth_info_t, self_time, 4, rssi);
-    /* The long-time classification reads the three flags after rssi. */
-    FOLLOWS(authmng_auth_info_t, rssi, 4, aaa_timeout);
-    FOLLOWS(authmng_auth_info_t, aaa_timeout, 1, requestid_timeout);
-    FOLLOWS(authmng_auth_info_t, requestid_timeout, 1, request_timeout);
-    FOLLOWS(authmng_auth_info_t, request_timeout, 1, rsna_notify);
-    FOLLOWS(authmng_auth_info_t, rsna_notify, 1, start_notify);
-    FOLLOWS(authmng_auth_info_t, start_notify, 1, dismatch_id);
-    FOLLOWS(authmng_auth_info_t, dismatch_id, 1, logoff);
-    CHECK(offsetof(authmng_auth_info_t, result) == offsetof(authmng_auth_info_t, logoff) + 2);
-    FOLLOWS(authmng_auth_info_t, result, 4, event);
-    FOLLOWS(authmng_auth_info_t, event, 4, offline_reason);
-    FOLLOWS(authmng_auth_info_t, offline_reason, 4, online_time);
-    FOLLOWS(authmng_auth_info_t, online_time, 4, username);
-    FOLLOWS(authmng_auth_info_t, username, 256, mac);
-    CHECK(sizeof(((authmng_auth_info_t *)0)->username) == 256);
+    /* Event record: the order of every field the daemons fill. The 64-bit
+     * counters start where the target aligns them, from byte 4 on. The
+     * long-time classification reads the flags after rssi. */
+    if (offsetof(authmng_auth_info_t, online_num) < 4) ++failures;
+    CHAIN(authmng_auth_info_t, F(online_num, offsetof(R, online_num)), F(reauth_num, 8), F(ip, 8),
+          F(auth_time, 4), F(scc_time, 4), F(acct_time, 4), F(ack_time, 4), F(portal_time, 4),
+          F(wba_state, 4), F(wba_event, 4), F(aaa_time, 4), F(aaa_code, 4), F(rds_srv_time, 4),
+          F(rds_time, 4), F(rds_code, 4), F(acct_aaa_time, 4), F(aaa_acct_code, 4),
+          F(acct_rds_svr_time, 4), F(acct_rds_time, 4), F(rds_acct_code, 4), F(sta_time, 4),
+          F(self_time, 4), F(rssi, 4), F(aaa_timeout, 4), F(requestid_timeout, 1),
+          F(request_timeout, 1), F(rsna_notify, 1), F(start_notify, 1), F(dismatch_id, 1),
+          F(logoff, 1), F(result, 2), F(event, 4), F(offline_reason, 4), F(online_time, 4),
+          F(username, 4), F(mac, 256));
+    CHAIN(authmng_rd_info_t, F(rd_user, 0), F(reserved, 8), F(rd_time, 4), F(rd_result, 4));
+    CHAIN(authmng_stamove_info_t, F(move_type, 0), F(move_fail, 4));
+    CHAIN(authmng_check_input_t, F(total_redirect_count, 0), F(total_redirect_time, 4),
+          F(total_auth_count, 4), F(total_auth_time, 4), F(total_auth_timeout_count, 4),
+          F(max_online_user, 4));
+    CHAIN(authmng_check_result_t, F(escape_time, 0), F(escape_ratio, 4), F(reboot_enable, 4));
+    CHAIN(authmng_tlv_buf_t, F(used, 0), F(left, 2), F(data, 2));
+    /* The histogram record and the head of a list node the daemons may read. */
+    CHAIN(authmng_range_t, F(id, 0), F(num, 4), F(count, 4), F(bound, 24));
+    CHAIN(authmng_abnormal_node_t, F(next, 0), F(prev, sizeof(void *)));
 
-    /* Redirect and station-move reports. */
-    CHECK(offsetof(authmng_rd_info_t, rd_user) == 0);
-    FOLLOWS(authmng_rd_info_t, rd_user, 8, reserved);
-    FOLLOWS(authmng_rd_info_t, reserved, 4, rd_time);
-    FOLLOWS(authmng_rd_info_t, rd_time, 4, rd_result);
-    CHECK(offsetof(authmng_stamove_info_t, move_type) == 0);
-    FOLLOWS(authmng_stamove_info_t, move_type, 4, move_fail);
-
-    /* Escape check input and verdict. */
-    CHECK(offsetof(authmng_check_input_t, total_redirect_count) == 0);
-    FOLLOWS(authmng_check_input_t, total_redirect_count, 4, total_redirect_time);
-    FOLLOWS(authmng_check_input_t, total_redirect_time, 4, total_auth_count);
-    FOLLOWS(authmng_check_input_t, total_auth_count, 4, total_auth_time);
-    FOLLOWS(authmng_check_input_t, total_auth_time, 4, total_auth_timeout_count);
-    FOLLOWS(authmng_check_input_t, total_auth_timeout_count, 4, max_online_user);
-    CHECK(sizeof(authmng_check_input_t) == 24);
-    CHECK(offsetof(authmng_check_result_t, escape_time) == 0);
-    FOLLOWS(authmng_check_result_t, escape_time, 4, escape_ratio);
-    FOLLOWS(authmng_check_result_t, escape_ratio, 4, reboot_enable);
-
-    /* TLV buffer. */
-    CHECK(offsetof(authmng_tlv_buf_t, used) == 0);
-    FOLLOWS(authmng_tlv_buf_t, used, 2, left);
-    FOLLOWS(authmng_tlv_buf_t, left, 2, data);
-    CHECK(sizeof(((authmng_tlv_buf_t *)0)->data) == 150);
-
-    /* Histogram record and the record heads the daemons may read. */
-    FOLLOWS(authmng_range_t, id, 4, num);
-    FOLLOWS(authmng_range_t, num, 4, count);
-    FOLLOWS(authmng_range_t, count, 24, bound);
-    CHECK(offsetof(authmng_abnormal_node_t, next) == 0);
-    FOLLOWS(authmng_abnormal_node_t, next, sizeof(void *), prev);
-
-    /* Linking: a function and a global of the shared library. */
-    CHECK(authmng_dot1x_auth_reason_str(0)[0] == 'a');
-    CHECK(g_authmng_abnormal_record_max == 1000);
+    /* Whole sizes, and linking: a function and a global of the shared library. */
+    if (sizeof(authmng_reg_t) != 12 || sizeof(authmng_check_input_t) != 24 ||
+        sizeof(((authmng_tlv_buf_t *)0)->data) != 150 ||
+        authmng_dot1x_auth_reason_str(0)[0] != 'a' || g_authmng_abnormal_record_max != 1000) {
+        fprintf(stderr, "c_abi_test: a record size or a library symbol is wrong\n");
+        ++failures;
+    }
 
     if (failures == 0) printf("c_abi_test: 1 passed, 0 failed\n");
     return failures == 0 ? 0 : 1;

@@ -26,19 +26,18 @@ enum Trap { kDanglingLink, kLinkToVictim, kHardLink, kForeignFile, kFifo };
 // may keep the stranger from linking a file it cannot write.
 void lay(Trap trap, const std::string &path, const std::string &victim) {
     const std::string dangling = victim + ".new";
-    if (trap == kHardLink) {
-        ASSERT_EQ(link(victim.c_str(), path.c_str()), 0);
-        return;
-    }
     pid_t child = fork();
     if (child == 0) {
         int fd = -1;
-        bool laid = setgid(kStranger) == 0 && setuid(kStranger) == 0 &&
-                    (trap == kDanglingLink   ? symlink(dangling.c_str(), path.c_str()) == 0
-                     : trap == kLinkToVictim ? symlink(victim.c_str(), path.c_str()) == 0
-                     : trap == kFifo         ? mkfifo(path.c_str(), 0666) == 0
-                                     : (fd = open(path.c_str(), O_WRONLY | O_CREAT, 0666)) >= 0 &&
-                                           write(fd, "mine\n", 5) == 5);
+        bool laid =
+            trap == kHardLink
+                ? link(victim.c_str(), path.c_str()) == 0
+                : setgid(kStranger) == 0 && setuid(kStranger) == 0 &&
+                      (trap == kDanglingLink   ? symlink(dangling.c_str(), path.c_str()) == 0
+                       : trap == kLinkToVictim ? symlink(victim.c_str(), path.c_str()) == 0
+                       : trap == kFifo         ? mkfifo(path.c_str(), 0666) == 0
+                                       : (fd = open(path.c_str(), O_WRONLY | O_CREAT, 0666)) >= 0 &&
+                                             write(fd, "mine\n", 5) == 5);
         _exit(laid ? 0 : 1);
     }
     int status = -1;
@@ -75,15 +74,11 @@ TEST_F(HostileFilesTest, TrapsWhereTheFilesBelong) {
     for (Trap trap : {kDanglingLink, kLinkToVictim, kHardLink, kForeignFile, kFifo}) {
         SCOPED_TRACE(trap);
         for (const std::string &file : files) lay(trap, file, victim);
-        for (int n = 0; n < 2; ++n) {
-            authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 5);
-            authmng_notify_auth_info(&info);
-        }
-        for (int round = 0; round < 2; ++round) {
+        authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_DOT1X, D1X_AUTH, 5);
+        authmng_notify_auth_info(&info), authmng_notify_auth_info(&info);
+        for (bool trapped : {true, false}) {
             take_syslog();
-            authmng_write_dot1x_statistic_to_tmpfile();
-            authmng_write_dot1x_abnormal_record_to_file();
-            const bool trapped = round == 0;
+            write_all(AUTHMNG_CLIENT_DOT1X);
             std::string log = take_syslog();
             for (const std::string &file : files)
                 EXPECT_EQ(log.find(file) != std::string::npos, trapped);
@@ -100,8 +95,9 @@ TEST_F(HostileFilesTest, TrapsWhereTheFilesBelong) {
 }
 
 // Directories another account made or may fill, where the library's
-// directories belong: the creation fails, and with it start-up. A link
-// root made to a directory of root is followed.
+// directories belong: the creation fails (and with it start-up, as with
+// any directory that cannot be made). A link root made to a directory of
+// root is followed.
 TEST_F(HostileFilesTest, UntrustedDirectories) {
     const std::string security = tmp_path("/security"), elsewhere = root_dir() + "/elsewhere";
     ASSERT_EQ(mkdir(elsewhere.c_str(), 0755), 0);
@@ -122,10 +118,6 @@ TEST_F(HostileFilesTest, UntrustedDirectories) {
         EXPECT_EQ(authmng_create_dir(kDot1xDir, 0), c.expected) << c.mode << " " << c.owner;
         ASSERT_EQ(system(("rm -rf " + security + " " + elsewhere + "/*").c_str()), 0);
     }
-    ASSERT_EQ(mkfifo(security.c_str(), 0666), 0);
-    EXPECT_EQ(authmng_create_dir(kDot1xDir, 0), ENOTDIR);
-    EXPECT_EQ(start(AUTHMNG_CLIENT_DOT1X), -1);
-    EXPECT_NE(take_syslog().find("Failed to create tmp dot1x dir."), std::string::npos);
 }
 
 }  // namespace

@@ -28,8 +28,7 @@ const struct {
     {"del\x7f", "del\\x7f", "\"del\\x7f\""},
     {"+8613800000000", "+8613800000000", "+8613800000000"},
     {"-5", "-5", "-5"},
-    {"o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x"},
-};
+    {"o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x", "o'neil.smith@corp-1/x"}};
 
 // Ten characters, as wide as the 802.1X table's name column.
 const std::string kReference = "reference1";
@@ -41,37 +40,33 @@ std::string replaced(std::string text, const std::string &from, const std::strin
 
 class HostileNamesTest : public AuthmngTest {
 protected:
-    // Queues an abnormal record under name (802.1X: a slow success, which
-    // also logs the name; web-auth: a failure), shows the list, writes the
-    // abnormal file: what the display printed and what the write added.
-    std::pair<std::string, std::string> queue_show_write(int32_t client, const char *name) {
-        const bool web = client == AUTHMNG_CLIENT_WBA;
-        authmng_auth_info_t info = event_record(client, 0, web ? 3 : 0);
-        info.auth_time = 5000;
-        snprintf(info.username, sizeof info.username, "%s", name);
-        authmng_notify_auth_info(&info);
-        take_cli();
-        web ? authmng_show_webauth_statistic_abnormal()
-            : authmng_show_dot1x_statistic_abnormal(AUTHMNG_ABNORMAL_FILTER_ALL);
-        const size_t before = read_file(file(client)).size();
-        web ? authmng_write_webauth_abnormal_record_to_file()
-            : authmng_write_dot1x_abnormal_record_to_file();
-        return {take_cli(), read_file(file(client)).substr(before)};
-    }
-    std::string file(int32_t client) const {
-        return flash_path(client == AUTHMNG_CLIENT_WBA
-                              ? "/security/authmanage/webauth/wba_abnormal.csv"
-                              : "/security/authmanage/dot1x/dot1x_abnormal.csv");
-    }
-    // Each name against the reference name, in the display and the file.
+    // Each name against the reference name, in the abnormal display and in
+    // what the abnormal file's write added; then the whole file parses.
     void check_displays_and_files(int32_t client) {
-        queue_show_write(client, kReference.c_str());  // the file and its header
+        const bool web = client == AUTHMNG_CLIENT_WBA;
+        const std::string file = flash_path(web ? "/security/authmanage/webauth/wba_abnormal.csv"
+                                                : "/security/authmanage/dot1x/dot1x_abnormal.csv");
+        // Queues an abnormal record under name (802.1X: a slow success, which
+        // also logs the name; web-auth: a failure), shows the list, writes.
+        auto queue_show_write = [&](const char *name) {
+            authmng_auth_info_t info = event_record(client, 0, web ? 3 : 0);
+            info.auth_time = 5000;
+            snprintf(info.username, sizeof info.username, "%s", name);
+            authmng_notify_auth_info(&info);
+            take_cli();
+            web ? authmng_show_webauth_statistic_abnormal()
+                : authmng_show_dot1x_statistic_abnormal(AUTHMNG_ABNORMAL_FILTER_ALL);
+            const size_t before = read_file(file).size();
+            web ? authmng_write_webauth_abnormal_record_to_file()
+                : authmng_write_dot1x_abnormal_record_to_file();
+            return std::make_pair(take_cli(), read_file(file).substr(before));
+        };
+        queue_show_write(kReference.c_str());  // the file and its header
         for (const auto &name : kNames) {
-            auto reference = queue_show_write(client, kReference.c_str());
-            auto hostile = queue_show_write(client, name.raw);
+            auto reference = queue_show_write(kReference.c_str());
+            auto hostile = queue_show_write(name.raw);
             char column[300];
-            snprintf(column, sizeof column, client == AUTHMNG_CLIENT_WBA ? "%s" : "%-10s",
-                     name.terminal);
+            snprintf(column, sizeof column, web ? "%s" : "%-10s", name.terminal);
             EXPECT_EQ(hostile.first, replaced(reference.first, kReference, column));
             EXPECT_EQ(hostile.second, replaced(reference.second, "," + kReference + ",",
                                                "," + std::string(name.csv) + ","));
@@ -82,7 +77,7 @@ protected:
             "rows = list(csv.reader(open(sys.argv[1], newline=\"\"), strict=True))\n"
             "sys.exit(len(rows) != int(sys.argv[2]) or any(len(r) != len(rows[0]) for r in "
             "rows))' " +
-            file(client) + " " + std::to_string(2 + 2 * std::size(kNames));
+            file + " " + std::to_string(2 + 2 * std::size(kNames));
         EXPECT_EQ(system(parse.c_str()), 0);
     }
 };

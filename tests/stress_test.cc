@@ -30,20 +30,23 @@ constexpr uint32_t kCapLow = 5000;
 bool consistent(int32_t client) {
     authmng::LibraryLock lock;
     bool ok = abnormal_list_length() == g_authmng_abnormal_record_num;
-    if (client == AUTHMNG_CLIENT_DOT1X) {
-        for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
-            ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
-        }
-        return ok;
+    if (client == AUTHMNG_CLIENT_WBA) {
+        return ok && webauth_consistent(g_authmng_webauth) &&
+               webauth_consistent(g_authmng_webauth_tmp);
     }
-    return ok && webauth_consistent(g_authmng_webauth) && webauth_consistent(g_authmng_webauth_tmp);
+    for (int m = 0; m < AUTHMNG_D1X_METHOD_NUM; ++m) {
+        ok = ok && dot1x_consistent(g_amg_d1x[m]) && dot1x_consistent(g_amg_d1x_tmp[m]);
+    }
+    return ok;
 }
 
 // One daemon thread: events of its client, the abnormal ones each under a
 // name of their own, kept in sent order as they appear in a row (",t-i,").
+// A web-auth daemon also reports its totals to the escape check.
 void report(int32_t client, int thread, std::vector<std::string> *abnormal) {
     unsigned seed = 77u + thread;
-    for (int i = 0; i < kEvents; ++i) {
+    authmng_check_input_t totals = {0, 0, 0, 0, 0, 0};
+    for (uint32_t i = 0; i < kEvents; ++i) {
         uint32_t pick = rand_r(&seed) % 10, kind = rand_r(&seed) % 5;
         bool bad = pick >= 6, slow = pick == 9;
         authmng_auth_info_t info = event_record(client, 0, bad && !slow ? 1 + pick : 0);
@@ -68,8 +71,12 @@ void report(int32_t client, int thread, std::vector<std::string> *abnormal) {
             authmng_notify_rd_info(&rd);
             authmng_stamove_info_t move = {kind % 2, static_cast<uint8_t>(pick == 4)};
             authmng_notify_stamove_info(&move);
+            totals.total_redirect_count += 10, totals.total_redirect_time += 100 * i;
+            totals.total_auth_count += 4, totals.total_auth_time += 6001 * (i % 7);
+            authmng_check_result_t verdict;
+            authmng_get_check_result(&totals, &verdict);
         }
-        snprintf(info.username, sizeof info.username, "%d-%d", thread, i);
+        snprintf(info.username, sizeof info.username, "%d-%u", thread, i);
         authmng_notify_auth_info(&info);
         if (bad) abnormal->push_back(std::string(",") + info.username + ",");
     }
@@ -78,78 +85,46 @@ void report(int32_t client, int thread, std::vector<std::string> *abnormal) {
 class StressTest : public AuthmngTest {
 protected:
     void run(int32_t client, const std::vector<const char *> &commands) {
-        ASSERT_EQ(authmng_host_cli_bind(200, "show authmng"), 0);
-        ASSERT_EQ(authmng_host_cli_bind(100, "debug authmng"), 0);
-        ASSERT_EQ(start(client, 100, 200), 0);
-        FILE *discard = fopen("/dev/null", "w");
-        ASSERT_NE(discard, nullptr);
-        authmng_host_cli_output(discard);
+        ASSERT_EQ(authmng_host_cli_bind(200, "show authmng") |
+                      authmng_host_cli_bind(100, "debug authmng") | start(client, 100, 200),
+                  0);
         // Tuned first: the intakes queue far faster than a drain writes, and
         // would reach the default cap of 1000 before the first command ran.
-        char line[96];
-        snprintf(line, sizeof line, "debug authmng record-num %u", kCapLow);
-        ASSERT_EQ(authmng_host_cli_exec(line), 0);
-        snprintf(line, sizeof line, "debug authmng abnormal-value %u", kThresholdLow);
-        ASSERT_EQ(authmng_host_cli_exec(line), 0);
-        const bool web = client == AUTHMNG_CLIENT_WBA;
+        auto tune = [](const char *what, uint32_t value) {
+            std::string line = "debug authmng " + std::string(what) + " " + std::to_string(value);
+            return authmng_host_cli_exec(line.c_str());
+        };
+        ASSERT_EQ(tune("record-num", kCapLow) | tune("abnormal-value", kThresholdLow), 0);
         std::atomic<bool> done{false};
         std::atomic<int> inconsistent{0};
 
         std::thread timer([&] {  // the timer's writers, as often as they can
-            while (!done.load()) {
-                if (web) {
-                    authmng_write_webauth_statistic_to_tmp();
-                    authmng_write_webauth_abnormal_record_to_file();
-                } else {
-                    authmng_write_dot1x_statistic_to_tmpfile();
-                    authmng_write_dot1x_statistic_to_flashfile();
-                    authmng_write_dot1x_abnormal_record_to_file();
-                }
-            }
+            while (!done.load()) write_all(client);
         });
         std::thread command_line([&] {  // displays, clears and tuning
             unsigned seed = 5;
             for (int round = 0; !done.load(); ++round) {
                 inconsistent += consistent(client) ? 0 : 1;
                 for (const char *command : commands) authmng_host_cli_exec(command);
-                snprintf(line, sizeof line, "debug authmng abnormal-value %u",
-                         kThresholdLow + rand_r(&seed) % (kThresholdHigh - kThresholdLow + 1));
-                authmng_host_cli_exec(line);
-                snprintf(line, sizeof line, "debug authmng record-num %u",
-                         kCapLow + rand_r(&seed) % 5001);
-                authmng_host_cli_exec(line);
+                tune("abnormal-value",
+                     kThresholdLow + rand_r(&seed) % (kThresholdHigh - kThresholdLow + 1));
+                tune("record-num", kCapLow + rand_r(&seed) % 5001);
                 if (round % 4 == 0) authmng_host_cli_exec("debug authmng clear-statistic");
             }
         });
-        std::thread escape([&] {  // the web-auth daemon's reports
-            authmng_check_input_t totals = {0, 0, 0, 0, 0, 0};
-            for (uint32_t i = 1; web && !done.load(); ++i) {
-                totals.total_redirect_count += 10, totals.total_redirect_time += 100 * i;
-                totals.total_auth_count += 4, totals.total_auth_time += 6001 * (i % 7);
-                authmng_check_result_t verdict;
-                authmng_get_check_result(&totals, &verdict);
-            }
-        });
-        std::vector<std::vector<std::string>> abnormal(kIntakes);
-        std::vector<std::thread> intakes;
-        for (int t = 0; t < kIntakes; ++t) intakes.emplace_back(report, client, t, &abnormal[t]);
+        std::vector<std::string> abnormal[kIntakes];
+        std::thread intakes[kIntakes];
+        for (int t = 0; t < kIntakes; ++t)
+            intakes[t] = std::thread(report, client, t, &abnormal[t]);
         for (std::thread &t : intakes) t.join();
         done.store(true);
-        timer.join(), command_line.join(), escape.join();
-        authmng_host_cli_output(nullptr);
-        fclose(discard);
+        timer.join(), command_line.join();
 
         EXPECT_EQ(inconsistent.load(), 0);
         EXPECT_TRUE(consistent(client));
-        if (web) {
-            authmng_write_webauth_abnormal_record_to_file();
-        } else {
-            authmng_write_dot1x_abnormal_record_to_file();
-        }
+        write_all(client);
         EXPECT_EQ(g_authmng_abnormal_record_num, 0u);
-        std::string rows =
-            read_file(flash_path(web ? "/security/authmanage/webauth/wba_abnormal.csv"
-                                     : "/security/authmanage/dot1x/dot1x_abnormal.csv"));
+        std::string rows = read_file(abnormal_file(client));
         size_t queued = 0;
         for (const std::vector<std::string> &names : abnormal) {
             size_t last = 0;
