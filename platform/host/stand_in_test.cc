@@ -78,10 +78,13 @@ TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
         return std::to_string(result) + " " + take_cli();
     };
     EXPECT_EQ(said("?"), "-1 % No commands\n");
+    EXPECT_EQ(said("no"), "-1 % Incomplete command: \"no\"\n");
+    EXPECT_EQ(said(std::string(600, 'x').c_str()), "-1 % Line too long\n");
 
     ASSERT_EQ(authmng_host_cli_bind(0, "zero"), 0);
     ASSERT_EQ(cli_add_command(0, &zero_set, "zero tree"), 0);
     EXPECT_EQ(said("zero set 4"), "0 ");
+    EXPECT_EQ(said("?"), "0   zero                  zero tree\n");  // the one bound word
     EXPECT_EQ(g_ran, 1);
     EXPECT_EQ(said("zero set"), "-1 % Incomplete command: \"zero set\"\n");
     EXPECT_EQ(said("zero set x"), "-1 % Unknown word \"x\" (a number 1 to 9 is expected)\n");
@@ -96,8 +99,11 @@ TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
         EXPECT_EQ(authmng_host_cli_bind(point, "p"), 0) << point;
     }
     EXPECT_EQ(authmng_host_cli_bind(2000, "p"), -1);
-    EXPECT_EQ(authmng_host_cli_bind(0, "nought"), 0);
-    EXPECT_EQ(said("nought set 9"), "0 ");
+    EXPECT_EQ(authmng_host_cli_bind(0, "set nought"), 0);
+    EXPECT_EQ(said("set nought set 9"), "0 ");
+    // A line that only begins a prefix does not reach the group behind it.
+    EXPECT_EQ(said("set"), "-1 % Unknown word \"set\"\n");
+    EXPECT_EQ(authmng_host_cli_group_at(authmng_host_cli_groups(), nullptr, nullptr), -1);
 }
 
 }  // namespace
