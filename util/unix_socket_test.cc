@@ -1,5 +1,4 @@
-// The socket helpers on real local sockets in a temporary directory.
-#include <gtest/gtest.h>
+// The socket helpers on real local sockets in a test's own directory.
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -7,12 +6,10 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
-#include <string>
 #include <thread>
 
-#include "authmng.h"
+#include "support/fixture.h"
 
 namespace {
 // Most bytes one send() takes while nonzero.
@@ -27,17 +24,11 @@ extern "C" ssize_t send(int sock, const void *buffer, size_t length, int flags) 
 
 namespace {
 
-class UnixSocketTest : public ::testing::Test {
+class UnixSocketTest : public authmng_test::AuthmngTest {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/authmng_sock_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir_ = pattern;
-    }
-    void TearDown() override { EXPECT_EQ(system(("rm -rf '" + dir_ + "'").c_str()), 0); }
-    // A path in the directory of exactly total characters.
+    // A path in the test's directory of exactly total characters.
     std::string path_of_length(size_t total) const {
-        return dir_ + "/" + std::string(total - dir_.size() - 1, 'p');
+        return root_dir() + "/" + std::string(total - root_dir().size() - 1, 'p');
     }
     // A listening end at path and a connected pair.
     void connect_pair(const std::string &path, int *client, int *server) {
@@ -48,13 +39,12 @@ protected:
         *server = accept(listener, nullptr, nullptr);
         ASSERT_GE(*server, 0);
     }
-    std::string dir_;
 };
 
 TEST_F(UnixSocketTest, BindsOverOldFileAndHonoursThe107CharacterLimit) {
     int probe = socket(AF_UNIX, SOCK_SEQPACKET, 0);
     close(probe);
-    EXPECT_EQ(authmng_unix_socket_init((dir_ + "/missing/sock").c_str()), -1);
+    EXPECT_EQ(authmng_unix_socket_init((root_dir() + "/missing/sock").c_str()), -1);
     EXPECT_EQ(socket(AF_UNIX, SOCK_SEQPACKET, 0), probe);  // the failed socket was closed
 
     std::string path107 = path_of_length(107), path108 = path_of_length(108);
@@ -84,7 +74,7 @@ TEST_F(UnixSocketTest, BindsOverOldFileAndHonoursThe107CharacterLimit) {
 
 TEST_F(UnixSocketTest, MessagesKeepTheirBoundariesAndEndWithZeroAfterClose) {
     int client = -1, server = -1;
-    connect_pair(dir_ + "/trip", &client, &server);
+    connect_pair(root_dir() + "/trip", &client, &server);
     EXPECT_EQ(authmng_unix_send(client, "hello", 5), 5);
     EXPECT_EQ(authmng_unix_send(client, "x", 1), 1);
     EXPECT_EQ(authmng_unix_send(client, "", 0), 0);
@@ -110,7 +100,7 @@ TEST_F(UnixSocketTest, MessagesKeepTheirBoundariesAndEndWithZeroAfterClose) {
 
 TEST_F(UnixSocketTest, SendOnFullSocketFailsAtOnce) {
     int client = -1, server = -1;
-    connect_pair(dir_ + "/full", &client, &server);
+    connect_pair(root_dir() + "/full", &client, &server);
     char chunk[1024] = {};
     int accepted = 0, result = 0;
     while ((result = authmng_unix_send(client, chunk, sizeof(chunk))) == 1024) {
