@@ -20,9 +20,9 @@ TEST_F(LogTest, DebugDisplayListsTheSwitchesThatAreOn) {
               "authmng debug:\r\nauthmng event debugging is on\nauthmng error debugging is on\n");
 }
 
-TEST_F(LogTest, DebugLinesCarryFunctionAndPaddedLineNumber) {
-    ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
-    authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_WBA, 0);
+TEST_F(LogTest, DebugLinesCarryTheirSwitchFunctionAndPaddedLineNumber) {
+    ASSERT_EQ(start(AUTHMNG_CLIENT_WBA), 0);
+    authmng_auth_info_t info = event_record(4, 0);  // no such client
     authmng_notify_auth_info(&info);
     EXPECT_EQ(take_syslog(), "") << "switch off: no line";
 
@@ -35,20 +35,17 @@ TEST_F(LogTest, DebugLinesCarryFunctionAndPaddedLineNumber) {
     // The line number is left-aligned and padded with blanks to four.
     std::string number = line.substr(prefix.size(), 4);
     EXPECT_TRUE(isdigit(number[0]) && number.find_first_not_of("0123456789 ") == std::string::npos);
-    EXPECT_EQ(line.substr(prefix.size() + 4), "] client(1) error\n");
-
+    EXPECT_EQ(line.substr(prefix.size() + 4), "] client(4) error\n");
     authmng_notify_auth_info(nullptr);
     EXPECT_NE(take_syslog().find("] auth_info == NULL.\n"), std::string::npos);
-}
 
-TEST_F(LogTest, WebauthEventLineInAWebauthProcess) {
-    ASSERT_EQ(start(AUTHMNG_CLIENT_WBA), 0);
     g_authmng_lib_event_dbg = 1;
-    authmng_auth_info_t info = event_record(AUTHMNG_CLIENT_WBA, 0);
+    info.client_type = AUTHMNG_CLIENT_WBA;
     authmng_notify_auth_info(&info);
-    std::string line = take_syslog();
-    EXPECT_EQ(
-        line.find("7 UNKNOW_MODULE DEBUG 2: AUTHMNG_LIB_EVENT_DBG: [authmng_notify_auth_info"), 0u);
+    line = take_syslog();
+    EXPECT_NE(line.find("7 UNKNOW_MODULE DEBUG 2: AUTHMNG_LIB_EVENT_DBG: [authmng_notify_auth_info "
+                        "line:"),
+              std::string::npos);
     EXPECT_NE(line.find("] client == AUTHMNG_CLIENT_WBA\n"), std::string::npos) << line;
 }
 
