@@ -36,20 +36,12 @@ TEST_F(DebugCommandsTest, SwitchesTuningValuesSummaryAndClearStatisticInWebauthP
     g_authmng_abnormal_record_max = 20;
     EXPECT_EQ(exec("debug authmng summary"), 0);
     EXPECT_EQ(take_cli(),
-              "\nState of statistical: true.\n"
-              "the interval of write to tmp:\n"
-              " range: [1, 1440], unit: minutes.\n"
-              " default interval is 30\n"
-              " current interval is 1440\n"
-              "the time of write to flash:\n"
-              " range: [0, 23]\n"
-              " default time is 1\n"
-              " current time is 23\n"
-              "the number of abnormal write to record:\n"
-              " range: [1, 10000]\n"
-              " default number is 1000\n"
-              " current number is 20\n"
-              " timeout is 2500\n"
+              "\nState of statistical: true.\nthe interval of write to tmp:\n"
+              " range: [1, 1440], unit: minutes.\n default interval is 30\n"
+              " current interval is 1440\nthe time of write to flash:\n range: [0, 23]\n"
+              " default time is 1\n current time is 23\n"
+              "the number of abnormal write to record:\n range: [1, 10000]\n"
+              " default number is 1000\n current number is 20\n timeout is 2500\n"
               "number of reverser: 0.\n");
 
     g_authmng_webauth.auth_total = 9;

@@ -1,5 +1,6 @@
-// The timer tick driven with a pinned clock: the daily window, the interval
-// countdown and its reload, the master switch, and the cpp samples and file.
+// The timer tick driven with a pinned clock: the interval countdown and its
+// reload, the master switch, and the cpp samples and file. (The daily window
+// is the simulator's: its days pass through this same tick.)
 #include <string>
 #include <vector>
 
@@ -9,10 +10,7 @@ using namespace authmng_test;
 
 namespace {
 
-// 2026-03-09 01:00:30 UTC, the same day as the fixture's clock.
-constexpr int64_t kDaily010030 = kMonday140507 - (13 * 3600 + 4 * 60 + 37);
-// The statistic file, in the flash area for the daily rows and in the
-// temporary one for the interval rows.
+// The interval file of the 802.1X client.
 const char kCsv[] = "/security/authmanage/dot1x/dot1x_statistic.csv";
 const char kCppCsv[] = "/security/authmanage/cpp/cpp.csv";
 
@@ -28,27 +26,6 @@ uint32_t cpp_sample(int argument) {
 }
 
 using TimerTest = AuthmngTest;
-
-TEST_F(TimerTest, DailyWritesOncePerWindow) {
-    ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
-    g_authmng_lib_event_dbg = 1;
-    auto lines_after_tick_at = [this](int64_t at) {
-        authmng_host_clock_set(at);
-        tick();
-        return count_lines(read_file(flash_path(kCsv)));
-    };
-    // A fresh process writes at its first tick in the window; 01:01:30 is
-    // the same window, 01:02:30 past it, 00:59:59 before it; then 01:00:00
-    // the next day.
-    EXPECT_EQ(std::vector<size_t>(
-                  {lines_after_tick_at(kDaily010030), lines_after_tick_at(kDaily010030 + 60),
-                   lines_after_tick_at(kDaily010030 + 120), lines_after_tick_at(kDaily010030 - 31),
-                   lines_after_tick_at(kDaily010030 + 86400 - 30)}),
-              std::vector<size_t>({3, 3, 3, 3, 5}));
-    EXPECT_TRUE(exists(flash_path("/security/authmanage/dot1x/dot1x_abnormal.csv")));
-    EXPECT_NE(take_syslog().find("[authmng_is_time_to_write line:"), std::string::npos);
-    EXPECT_FALSE(exists(tmp_path(kCsv)));
-}
 
 TEST_F(TimerTest, IntervalCountdownReloadAndMasterSwitch) {
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X), 0);
