@@ -62,7 +62,7 @@ void ran(cli_parse_state *) {
 constexpr cli_eol_arg_t kEol = {1, ran, nullptr, nullptr};
 const cli_parse_node zero_eol = {eol_action, &kEol, &Tno_alt, &Tno_alt};
 constexpr cli_number_arg_t kDigit = {"digit", 1, 9, 0, 0, CLI_SLOT_NUMBER, 0};
-const cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt};
+cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt};
 constexpr cli_keyword_arg_t kSet = {"set", "set help", "", 0, 0, 1, CLI_KW_PLAIN, 0, 0};
 cli_parse_node zero_set = {common_keyword_action, &kSet, &zero_digit, &Tno_alt};
 
@@ -102,6 +102,12 @@ TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
     // A line that only begins a prefix does not reach the group behind it.
     EXPECT_EQ(said("set"), "-1 % Unknown word \"set\"\n");
     EXPECT_EQ(authmng_host_cli_group_at(authmng_host_cli_groups(), nullptr, nullptr), -1);
+    // A group behind the empty prefix that begins with a number; the port
+    // check's runner refuses an overlong line as the command line does.
+    ASSERT_EQ(authmng_host_cli_bind(1000, ""), 0);
+    ASSERT_EQ(cli_add_command(1000, &zero_digit, "digits"), 0);
+    EXPECT_EQ(said("x"), "-1 % Unknown word \"x\" (a number 1 to 9 is expected)\n");
+    EXPECT_EQ(authmng_port_check_exec(0, std::string(600, 'x').c_str()), -1);
 }
 
 }  // namespace
