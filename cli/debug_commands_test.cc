@@ -67,18 +67,19 @@ TEST_F(DebugCommandsTest, RecordNumAndClearStatisticIn802Dot1xProcess) {
     EXPECT_EQ(count_lines(read_file(flash_path("/security/authmanage/dot1x/dot1x_abnormal.csv"))),
               21u);
 
-    auto record = [](int k) -> authmng_dot1x_stat_t & {
-        return (k < 2 ? g_amg_d1x : g_amg_d1x_tmp)[k % 2];
-    };
+    authmng_dot1x_stat_t *const kRecords[] = {
+        &g_amg_d1x[AUTHMNG_METHOD_DOT1X], &g_amg_d1x[AUTHMNG_METHOD_MAB],
+        &g_amg_d1x_tmp[AUTHMNG_METHOD_DOT1X], &g_amg_d1x_tmp[AUTHMNG_METHOD_MAB]};
     {
         authmng::LibraryLock lock;
-        for (int k = 0; k < 4; ++k) record(k).range[AUTHMNG_RANGE_AUTH].count[1] = 1;
+        for (authmng_dot1x_stat_t *record : kRecords)
+            record->range[AUTHMNG_RANGE_AUTH].count[1] = 1;
     }
     EXPECT_EQ(exec("debug authmng clear-statistic"), 0);
     EXPECT_EQ(take_cli(), "");
-    for (int k = 0; k < 4; ++k) {
-        const authmng_range_t &auth = record(k).range[AUTHMNG_RANGE_AUTH];
-        EXPECT_EQ(auth.count[1] * 10000 + auth.bound[2], 3000u) << k;
+    for (const authmng_dot1x_stat_t *record : kRecords) {
+        const authmng_range_t &auth = record->range[AUTHMNG_RANGE_AUTH];
+        EXPECT_EQ(auth.count[1] * 10000 + auth.bound[2], 3000u);
     }
 }
 

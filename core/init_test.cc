@@ -68,16 +68,17 @@ TEST_F(InitTest, WebauthClientRegistersFiveGroupsAndItsDebugSwitches) {
 }
 
 TEST_F(InitTest, Dot1xClientRegistersShowAndDebugGroupsAndClearsItsRecords) {
-    for (int k = 0; k < 4; ++k) (k < 2 ? g_amg_d1x : g_amg_d1x_tmp)[k % 2].auth_total = 9;
+    authmng_dot1x_stat_t *const kRecords[] = {&g_amg_d1x[0], &g_amg_d1x[1], &g_amg_d1x_tmp[0],
+                                              &g_amg_d1x_tmp[1]};
+    for (authmng_dot1x_stat_t *record : kRecords) record->auth_total = 9;
     ASSERT_EQ(start(AUTHMNG_CLIENT_DOT1X, 51, 52), 0);
     EXPECT_EQ(registered(), "52 show authmng info, 51 authmanage debug, 1dot1x_authmng_debug");
     EXPECT_EQ(g_authmng_client_type, AUTHMNG_CLIENT_DOT1X);
     EXPECT_EQ(g_authmng_authtime_abnormal_value, 1000u);
-    for (int k = 0; k < 4; ++k) {  // both methods of both records, histograms set up
-        const authmng_dot1x_stat_t &record = (k < 2 ? g_amg_d1x : g_amg_d1x_tmp)[k % 2];
-        const authmng_range_t &last = record.range[AUTHMNG_D1X_RANGE_NUM - 1];
+    for (const authmng_dot1x_stat_t *record : kRecords) {  // histograms set up
+        const authmng_range_t &last = record->range[AUTHMNG_D1X_RANGE_NUM - 1];
         EXPECT_EQ(
-            std::vector<uint64_t>({record.auth_total, last.num, last.bound[1], last.bound[2]}),
+            std::vector<uint64_t>({record->auth_total, last.num, last.bound[1], last.bound[2]}),
             std::vector<uint64_t>({0, 3, 1000, 3000}));
     }
     EXPECT_TRUE(exists(flash_path("/security/authmanage/dot1x")) &&
