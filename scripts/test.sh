@@ -136,12 +136,12 @@ stage_external() {
 
 stage_asan() {
     ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
-        configure_build_test "$out-asan" -DAUTHMNG_SANITIZE=address,undefined -DAUTHMNG_BUILD_TOOLS=OFF
+        configure_build_test "$out-asan" -DAUTHMNG_SANITIZE=address,undefined
 }
 
 stage_tsan() {
     TSAN_OPTIONS=halt_on_error=1 \
-        configure_build_test "$out-tsan" -DAUTHMNG_SANITIZE=thread -DAUTHMNG_BUILD_TOOLS=OFF
+        configure_build_test "$out-tsan" -DAUTHMNG_SANITIZE=thread
 }
 
 stage_clang() {
