@@ -27,12 +27,10 @@ TEST(HostStandInTest, ClockAllocationsDebugRegistryAndHealthMonitor) {
     long before = authmng_host_allocations();
     authmng_host_alloc_fail_after(1);
     void *first = authmng_port_zalloc(8);
-    EXPECT_NE(first, nullptr);
-    EXPECT_EQ(authmng_port_zalloc(8), nullptr);
-    EXPECT_EQ(authmng_port_zalloc(8), nullptr);
+    bool failing = authmng_port_zalloc(8) == nullptr && authmng_port_zalloc(8) == nullptr;
     authmng_host_alloc_fail_after(-1);
     void *again = authmng_port_zalloc(8);
-    EXPECT_NE(again, nullptr);
+    EXPECT_TRUE(first != nullptr && failing && again != nullptr);
     EXPECT_EQ(authmng_host_allocations(), before + 4);
     authmng_port_free(first), authmng_port_free(again);
 
@@ -64,7 +62,7 @@ void ran(cli_parse_state *) {
 constexpr cli_eol_arg_t kEol = {1, ran, nullptr, nullptr};
 const cli_parse_node zero_eol = {eol_action, &kEol, &Tno_alt, &Tno_alt};
 constexpr cli_number_arg_t kDigit = {"digit", 1, 9, 0, 0, CLI_SLOT_NUMBER, 0};
-const cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt};
+cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt};
 constexpr cli_keyword_arg_t kSet = {"set", "set help", "", 0, 0, 1, CLI_KW_PLAIN, 0, 0};
 cli_parse_node zero_set = {common_keyword_action, &kSet, &zero_digit, &Tno_alt};
 
@@ -72,16 +70,19 @@ using HostCommandLineTest = CliTest;
 
 TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
     ASSERT_EQ(authmng_host_cli_bind(28, "cfg"), 0);  // the empty prefix no longer leads anywhere
-    auto said = [this](const char *line) {
+    auto said = [this](const std::string &line) {
         take_cli();
-        int result = authmng_host_cli_exec(line);
+        int result = authmng_host_cli_exec(line.c_str());
         return std::to_string(result) + " " + take_cli();
     };
     EXPECT_EQ(said("?"), "-1 % No commands\n");
+    EXPECT_EQ(said("no"), "-1 % Incomplete command: \"no\"\n");
+    EXPECT_EQ(said(std::string(600, 'x')), "-1 % Line too long\n");
 
     ASSERT_EQ(authmng_host_cli_bind(0, "zero"), 0);
     ASSERT_EQ(cli_add_command(0, &zero_set, "zero tree"), 0);
     EXPECT_EQ(said("zero set 4"), "0 ");
+    EXPECT_EQ(said("?"), "0   zero                  zero tree\n");  // the one bound word
     EXPECT_EQ(g_ran, 1);
     EXPECT_EQ(said("zero set"), "-1 % Incomplete command: \"zero set\"\n");
     EXPECT_EQ(said("zero set x"), "-1 % Unknown word \"x\" (a number 1 to 9 is expected)\n");
@@ -96,8 +97,17 @@ TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
         EXPECT_EQ(authmng_host_cli_bind(point, "p"), 0) << point;
     }
     EXPECT_EQ(authmng_host_cli_bind(2000, "p"), -1);
-    EXPECT_EQ(authmng_host_cli_bind(0, "nought"), 0);
-    EXPECT_EQ(said("nought set 9"), "0 ");
+    EXPECT_EQ(authmng_host_cli_bind(0, "set nought"), 0);
+    EXPECT_EQ(said("set nought set 9"), "0 ");
+    // A line that only begins a prefix does not reach the group behind it.
+    EXPECT_EQ(said("set"), "-1 % Unknown word \"set\"\n");
+    EXPECT_EQ(authmng_host_cli_group_at(authmng_host_cli_groups(), nullptr, nullptr), -1);
+    // A group behind the empty prefix that begins with a number; the port
+    // check's runner refuses an overlong line as the command line does.
+    ASSERT_EQ(authmng_host_cli_bind(1000, ""), 0);
+    ASSERT_EQ(cli_add_command(1000, &zero_digit, "digits"), 0);
+    EXPECT_EQ(said("x"), "-1 % Unknown word \"x\" (a number 1 to 9 is expected)\n");
+    EXPECT_EQ(authmng_port_check_exec(0, std::string(600, 'x').c_str()), -1);
 }
 
 }  // namespace
