@@ -21,6 +21,11 @@ TEST(HostStandInTest, ClockAllocationsDebugRegistryAndHealthMonitor) {
     uint64_t now = static_cast<uint64_t>(time(nullptr));
     uint64_t seen = qx_time_get(QX_TIME_WALL_SECONDS);
     EXPECT_TRUE(seen >= now && seen <= now + 1) << seen;
+    // The timer's keep-alive counts in the monotonic seconds of the device.
+    struct timespec mono;
+    clock_gettime(CLOCK_MONOTONIC, &mono);
+    EXPECT_LE(authmng_get_clock() - mono.tv_sec, 1);
+    EXPECT_GE(authmng_get_clock(), mono.tv_sec);
 
     // Every call counts, failed ones too: the fault sweep steps through
     // the failure points by this count.
