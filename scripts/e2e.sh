@@ -314,7 +314,11 @@ check "show statistic: the successes" \
     line_of " authentication success:.......................$successes." "$work/statistic.txt"
 check "show statistic: one request id timeout (the silent station)" \
     grep -Eq '^  request id timeout +: 1$' "$work/statistic.txt"
-check "show statistic: one aaa reject" grep -Eq '^  aaa reject +: 1$' "$work/statistic.txt"
+# bob's reject, and any a burst station got from a RADIUS round lost under
+# the load.
+rejects=$(count authentications 5)
+check "show statistic: the aaa rejects, bob's among them" \
+    bash -c "(($rejects >= 1)) && grep -Eq '^  aaa reject +: $rejects$' '$work/statistic.txt'"
 check "show statistic: the re-authentication's aaa timeout" \
     grep -Eq "^    aaa timeout +: $reauth_timeouts$" "$work/statistic.txt"
 check "show statistic: one user logoff, the port down offlines" \
@@ -333,9 +337,11 @@ check "interval file: a dot1x row with this run's counts" \
     grep -Eq "^[0-9.: ]+,dot1x,[0-9]+, $auth_number, $successes, " "$csv"
 check "interval file: a mab row with nothing counted" grep -Eq '^[0-9.: ]+,mab,0, 0, 0, ' "$csv"
 check "metrics: promtool accepts them" promtool check metrics <"$work/metrics.txt"
-check "metrics: the reject counted by its text" \
-    grep -q '^authmng_authentications_total{method="dot1x",code="5",result="aaa reject"} 1$' \
+check "metrics: the rejects counted by their text" \
+    grep -q "^authmng_authentications_total{method=\"dot1x\",code=\"5\",result=\"aaa reject\"} $rejects\$" \
     "$work/metrics.txt"
+# hostapd busy with a burst (its command queue full) is no lost interface.
+check "bursts: no interface lost" grep -q '^attaches: 2, lost: 0,' "$work/status.txt"
 check "metrics: no malformed lines, both ports attached" \
     bash -c "grep -q '^authmng_hostapd_malformed_lines_total 0$' '$work/metrics.txt' &&
              grep -q '^authmng_hostapd_interfaces_attached 2$' '$work/metrics.txt'"
@@ -345,12 +351,15 @@ check "metrics: no malformed lines, both ports attached" \
 offlines() { metrics | awk '/^authmng_offlines_total\{method="dot1x"/ { n += $NF } END { print n + 0 }'; }
 online() { metrics | awk '/^authmng_online_users\{method="dot1x"\}/ { print $NF }'; }
 offlines_before=$(offlines)
+read -r attaches lost < <(sed -n 's/^attaches: \([0-9]*\), lost: \([0-9]*\),.*/\1 \2/p' "$work/status.txt")
 online_before=$(online)
 kill "$hostapd_pid"
 wait "$hostapd_pid" 2>/dev/null || true
 start "$ns_a" hostapd2 hostapd "$work/hostapd-a.conf" "$work/hostapd-b.conf"
-wait_for 20 "the bridge to re-attach" bash -c "[[ \$(grep -c 'attached to' '$work/bridge.log') -ge 4 ]]"
-check "hostapd restart: re-attached" grep -q '^attaches: 4, lost: 2,' <(cli bridge status)
+wait_for 20 "the bridge to re-attach" bash -c \
+    "[[ \$(grep -c 'attached to' '$work/bridge.log') -ge $((attaches + 2)) ]]"
+check "hostapd restart: re-attached" \
+    grep -q "^attaches: $((attaches + 2)), lost: $((lost + 2))," <(cli bridge status)
 check "hostapd restart: the $online_before online stations offline" \
     test "$(online)" = 0 -a "$(offlines)" -ge "$((offlines_before + online_before))"
 

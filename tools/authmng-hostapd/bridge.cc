@@ -41,7 +41,8 @@ void Bridge::try_attach(int index, int64_t now) {
     snprintf(local, sizeof local, "/tmp/authmng-hostapd-%d-%d-ev", static_cast<int>(getpid()),
              index);
     std::string reply;
-    bool ok = in.events.open(in.path, local) && in.events.request("ATTACH", &reply) &&
+    bool ok = in.events.open(in.path, local) &&
+              in.events.request("ATTACH", &reply) == Answer::Given &&
               reply.compare(0, 2, "OK") == 0;
     snprintf(local, sizeof local, "/tmp/authmng-hostapd-%d-%d-rq", static_cast<int>(getpid()),
              index);
@@ -58,6 +59,7 @@ void Bridge::try_attach(int index, int64_t now) {
     in.attached = true;
     in.identity = socket_identity(in.path);
     in.backoff_ms = kAttachBackoffFirstMs;
+    in.pings_missed = 0;
     in.next_check_us = now + kHealthCheckMs * 1000LL;
     bump(counters_->attaches);
     counters_->attached.fetch_add(1, std::memory_order_relaxed);
@@ -81,10 +83,19 @@ void Bridge::lose(int index, int64_t now, const char *why) {
 void Bridge::check(int index, int64_t now) {
     Iface &in = *ifaces_[index];
     in.next_check_us = now + kHealthCheckMs * 1000LL;
-    std::string reply;
     if (socket_identity(in.path) != in.identity) {
         lose(index, now, "control socket replaced");
-    } else if (!in.requests.request("PING", &reply) || reply.compare(0, 4, "PONG") != 0) {
+        return;
+    }
+    std::string reply;
+    Answer answer = in.requests.request("PING", &reply);
+    if (answer == Answer::Refused) {
+        lose(index, now, "control socket refused PING");
+    } else if (answer == Answer::Given && reply.compare(0, 4, "PONG") == 0) {
+        in.pings_missed = 0;
+    } else if (++in.pings_missed >= kPingsMissedForLoss) {
+        // A hostapd busy with a burst answers late; one that stays silent
+        // this long has hung.
         lose(index, now, "no answer to PING");
     }
 }
@@ -162,7 +173,7 @@ bool Bridge::station(int iface, const uint8_t mac[6], StationInfo *info) {
     snprintf(command, sizeof command, "STA %02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2],
              mac[3], mac[4], mac[5]);
     std::string reply;
-    if (!in.attached || !in.requests.request(command, &reply)) {
+    if (!in.attached || in.requests.request(command, &reply) != Answer::Given) {
         bump(counters_->poll_failures);
         return false;
     }
@@ -174,7 +185,7 @@ bool Bridge::station(int iface, const uint8_t mac[6], StationInfo *info) {
 bool Bridge::mib(int iface, MibInfo *info) {
     Iface &in = *ifaces_[iface];
     std::string reply;
-    if (!in.attached || !in.requests.request("MIB", &reply)) {
+    if (!in.attached || in.requests.request("MIB", &reply) != Answer::Given) {
         bump(counters_->poll_failures);
         return false;
     }

@@ -22,8 +22,10 @@ namespace authmng_hostapd {
 // First and longest pause between two attempts to attach an interface.
 constexpr int kAttachBackoffFirstMs = 250;
 constexpr int kAttachBackoffMaxMs = 8000;
-// How often an attached interface is checked (PING, socket file identity).
+// How often an attached interface is checked (PING, socket file identity),
+// and how many PINGs in a row may go unanswered before it counts as lost.
 constexpr int kHealthCheckMs = 1000;
+constexpr int kPingsMissedForLoss = 5;
 
 class Bridge : public StationSource {
 public:
@@ -50,6 +52,7 @@ private:
         int backoff_ms = kAttachBackoffFirstMs;
         int64_t next_attach_us = 0;
         int64_t next_check_us = 0;
+        int pings_missed = 0;
         bool link_up = true;
     };
 

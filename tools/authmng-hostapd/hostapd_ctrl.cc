@@ -30,13 +30,22 @@ bool fill_address(const std::string &path, sockaddr_un *addr) {
 
 bool CtrlSocket::open(const std::string &server_path, const std::string &local_path) {
     close();
-    sockaddr_un local, server;
-    if (!fill_address(local_path, &local) || !fill_address(server_path, &server)) return false;
+    server_path_ = server_path;
+    local_base_ = local_path;
+    renewals_ = 0;
+    return bind_and_connect();
+}
+
+bool CtrlSocket::bind_and_connect() {
+    std::string local = local_base_;
+    if (renewals_ > 0) local += "." + std::to_string(renewals_);
+    sockaddr_un here, server;
+    if (!fill_address(local, &here) || !fill_address(server_path_, &server)) return false;
     fd_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (fd_ < 0) return false;
-    (void)unlink(local_path.c_str());
-    local_path_ = local_path;
-    if (bind(fd_, reinterpret_cast<sockaddr *>(&local), sizeof local) != 0 ||
+    (void)unlink(local.c_str());
+    local_path_ = local;
+    if (bind(fd_, reinterpret_cast<sockaddr *>(&here), sizeof here) != 0 ||
         connect(fd_, reinterpret_cast<sockaddr *>(&server), sizeof server) != 0) {
         int saved = errno;
         close();
@@ -49,22 +58,42 @@ bool CtrlSocket::open(const std::string &server_path, const std::string &local_p
 void CtrlSocket::close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
+    stale_ = false;
     if (!local_path_.empty()) (void)unlink(local_path_.c_str());
     local_path_.clear();
 }
 
-bool CtrlSocket::request(const char *command, std::string *reply, int timeout_ms) {
-    if (fd_ < 0) return false;
-    char buffer[kCtrlBufferSize];
-    while (recv(fd_, buffer, sizeof buffer, 0) > 0) {
+Answer CtrlSocket::request(const char *command, std::string *reply, int timeout_ms) {
+    if (stale_) {
+        close();
+        ++renewals_;
+        if (!bind_and_connect()) return Answer::Refused;
     }
-    if (send(fd_, command, strlen(command), 0) < 0) return false;
-    pollfd pfd = {fd_, POLLIN, 0};
-    if (poll(&pfd, 1, timeout_ms) <= 0) return false;
-    ssize_t got = recv(fd_, buffer, sizeof buffer, 0);
-    if (got < 0) return false;
-    reply->assign(buffer, static_cast<size_t>(got));
-    return true;
+    if (fd_ < 0) return Answer::Refused;
+    int64_t deadline = monotonic_us() + timeout_ms * 1000LL;
+    auto wait_for = [this, deadline](short what) {
+        int64_t left = deadline - monotonic_us();
+        pollfd pfd = {fd_, what, 0};
+        return left > 0 && poll(&pfd, 1, static_cast<int>((left + 999) / 1000)) > 0;
+    };
+    // A full queue on hostapd's side refuses the datagram for now; it is
+    // taken as soon as hostapd reads.
+    while (send(fd_, command, strlen(command), 0) < 0) {
+        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) return Answer::Refused;
+        if (errno != EINTR && !wait_for(POLLOUT)) return Answer::Late;
+    }
+    stale_ = true;
+    char buffer[kCtrlBufferSize];
+    while (wait_for(POLLIN)) {
+        ssize_t got = recv(fd_, buffer, sizeof buffer, 0);
+        if (got >= 0) {
+            stale_ = false;
+            reply->assign(buffer, static_cast<size_t>(got));
+            return Answer::Given;
+        }
+        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) return Answer::Refused;
+    }
+    return Answer::Late;
 }
 
 void CtrlSocket::stamp_arrivals() {
