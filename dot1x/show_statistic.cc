@@ -55,6 +55,31 @@ uint64_t span_sum(const uint64_t *counters, authmng::CodeSpan span) {
     return sum;
 }
 
+// The lines that close the offline and re-authentication lists: the sums of
+// the station-management, RSNA and roaming codes, then the other-reason code.
+constexpr authmng::CodeSpan kGroupSpans[] = {
+    authmng::kStamgCodes,
+    authmng::kRsnaCodes,
+    authmng::kRoamCodes,
+    {authmng::kOtherReasonCode, authmng::kOtherReasonCode}};
+constexpr size_t kGroupLines = sizeof kGroupSpans / sizeof kGroupSpans[0];
+constexpr const char *kOfflineGroupLabels[kGroupLines] = {
+    "  offline by sta                           : ",
+    "  offline by rsna                          : ",
+    "  offline by roam                          : ",
+    "  other reason                             : "};
+constexpr const char *kReauthGroupLabels[kGroupLines] = {
+    "    reauth fail by stamg                   : ",
+    "    reauth fail by rsna                    : ",
+    "    reauth fail by roam                    : ",
+    "    other reason                           : "};
+
+void print_groups(const uint64_t *counters, const char *const (&labels)[kGroupLines]) {
+    for (size_t i = 0; i < kGroupLines; ++i) {
+        display_printf("%s%" PRIu64 ".\n", labels[i], span_sum(counters, kGroupSpans[i]));
+    }
+}
+
 // Average of a wrapping signed sum over a count taken as signed 32 bits,
 // truncated toward zero; 0 for no count. The quotient is taken in 64 bits so
 // that INT32_MIN / -1 is the wrapped value, not a trap.
@@ -136,27 +161,13 @@ void print_offline(const authmng_dot1x_stat_t &s, const char *method) {
         display_printf("  %-41s: %" PRIu64 "\n", authmng_dot1x_offline_reason_str(code),
                        reason[code]);
     }
-    display_printf("  offline by sta                           : %" PRIu64 ".\n",
-                   span_sum(reason, authmng::kStamgCodes));
-    display_printf("  offline by rsna                          : %" PRIu64 ".\n",
-                   span_sum(reason, authmng::kRsnaCodes));
-    display_printf("  offline by roam                          : %" PRIu64 ".\n",
-                   span_sum(reason, authmng::kRoamCodes));
-    display_printf("  other reason                             : %" PRIu64 ".\n",
-                   reason[authmng::kOtherReasonCode]);
+    print_groups(reason, kOfflineGroupLabels);
     display_printf("  offline_by_auth:.............................%" PRIu64 ".\n", by_auth);
     for (uint32_t code = 1; code <= kLastListedFailure; ++code) {
         display_printf("    %-39s: %" PRIu64 "\n", authmng_dot1x_auth_reason_str(code),
                        reauth[code]);
     }
-    display_printf("    reauth fail by stamg                   : %" PRIu64 ".\n",
-                   span_sum(reauth, authmng::kStamgCodes));
-    display_printf("    reauth fail by rsna                    : %" PRIu64 ".\n",
-                   span_sum(reauth, authmng::kRsnaCodes));
-    display_printf("    reauth fail by roam                    : %" PRIu64 ".\n",
-                   span_sum(reauth, authmng::kRoamCodes));
-    display_printf("    other reason                           : %" PRIu64 ".\n",
-                   reauth[authmng::kOtherReasonCode]);
+    print_groups(reauth, kReauthGroupLabels);
     display_printf(" reauth offline ratio:.........................%u%%.\n",
                    low_u32(ratio(by_auth * 100, shown_total)));
     display_printf("\n");

@@ -35,6 +35,10 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
     dot1x_.auth_result[2] = 1, dot1x_.auth_result[4] = 1;
     dot1x_.reauth_total = 7, dot1x_.reauth_result[0] = 4;  // 3 failed: one each of 1, 2 and 70
     dot1x_.reauth_result[1] = dot1x_.reauth_result[2] = dot1x_.reauth_result[70] = 1;
+    // Group sums below both lists, each group its own figure.
+    dot1x_.reauth_result[104] = 2, dot1x_.reauth_result[130] = 3, dot1x_.reauth_result[134] = 4;
+    dot1x_.offline_reason[61] = 5, dot1x_.offline_reason[101] = 6;
+    dot1x_.offline_reason[121] = 7, dot1x_.offline_reason[134] = 8;
     dot1x_.offline_total = 3, dot1x_.success_rssi_sum = -131, dot1x_.fail_rssi_sum = -250;
     dot1x_.over1s_total = 1500, dot1x_.over1s_sta = 300;
     dot1x_.over3s_aaa = 900;  // over3s_total 0, range[0].count[2] 0
@@ -50,6 +54,13 @@ TEST_F(Dot1xShowTest, DerivedFiguresFollowTheWorkedExamples) {
                        " authentication success rssi avgvalue:.........-13dBm.",
                        " authentication fail rssi avgvalue:............-83dBm.",
                        "    reauth fail by stamg                   : 1.",
+                       "    reauth fail by rsna                    : 2.",
+                       "    reauth fail by roam                    : 3.",
+                       "    other reason                           : 4.",
+                       "  offline by sta                           : 5.",
+                       "  offline by rsna                          : 6.",
+                       "  offline by roam                          : 7.",
+                       "  other reason                             : 8.",
                        " reauth offline ratio:.........................50%.",
                        "auth success less than 1 second ratio..........66%.",
                        "  Sta    1 to 3 second total time .............300ms(20%)",

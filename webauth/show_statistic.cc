@@ -20,6 +20,16 @@ constexpr uint32_t kAuthRange = 0;
 constexpr uint32_t kAuthExServerRange = 1;
 constexpr uint32_t kRedirectRange = 2;
 
+// The success histograms' lines, by slot: under 1 s, 1 to 3 s, over 3 s.
+constexpr const char *kWholeRangeLabels[AUTHMNG_RANGE_SLOTS] = {
+    "  number of less than one second:........................",
+    "  number of between one and three second:................",
+    "  number of more than three second:......................"};
+constexpr const char *kExServerRangeLabels[AUTHMNG_RANGE_SLOTS] = {
+    "  number of less than one second(exclude server):........",
+    "  number of between one and three second(exclude server):",
+    "  number of more than three second(exclude server):......"};
+
 using authmng::kWebauthLinkChange;
 using authmng::kWebauthPortalTimeout;
 using authmng::kWebauthSetFail;
@@ -120,24 +130,14 @@ void print_authentications(const authmng_webauth_stat_t &s) {
                    s.auth_avg_time);
     display_printf("  aggregate time consumption:............................%" PRIu64 "ms.\n",
                    s.aggregate_time[kAuthRange]);
-    display_printf("  number of less than one second:........................%" PRIu64
-                   "(%.3f%%).\n",
-                   whole[0], percent(whole[0], successes));
-    display_printf("  number of between one and three second:................%" PRIu64
-                   "(%.3f%%).\n",
-                   whole[1], percent(whole[1], successes));
-    display_printf("  number of more than three second:......................%" PRIu64
-                   "(%.3f%%).\n",
-                   whole[2], percent(whole[2], successes));
-    display_printf("  number of less than one second(exclude server):........%" PRIu64
-                   "(%.3f%%).\n",
-                   ex_server[0], percent(ex_server[0], successes));
-    display_printf("  number of between one and three second(exclude server):%" PRIu64
-                   "(%.3f%%).\n",
-                   ex_server[1], percent(ex_server[1], successes));
-    display_printf("  number of more than three second(exclude server):......%" PRIu64
-                   "(%.3f%%).\n",
-                   ex_server[2], percent(ex_server[2], successes));
+    for (uint32_t slot = 0; slot < AUTHMNG_RANGE_SLOTS; ++slot) {
+        display_printf("%s%" PRIu64 "(%.3f%%).\n", kWholeRangeLabels[slot], whole[slot],
+                       percent(whole[slot], successes));
+    }
+    for (uint32_t slot = 0; slot < AUTHMNG_RANGE_SLOTS; ++slot) {
+        display_printf("%s%" PRIu64 "(%.3f%%).\n", kExServerRangeLabels[slot], ex_server[slot],
+                       percent(ex_server[slot], successes));
+    }
 }
 
 void print_offlines(const authmng_webauth_stat_t &s) {
