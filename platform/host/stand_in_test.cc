@@ -71,6 +71,17 @@ cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt}
 constexpr cli_keyword_arg_t kSet = {"set", "set help", "", 0, 0, 1, CLI_KW_PLAIN, 0, 0};
 cli_parse_node zero_set = {common_keyword_action, &kSet, &zero_digit, &Tno_alt};
 
+// "<5-9>" behind a longer prefix; its alternate is a node without action.
+int g_ran_long = 0;
+void ran_long(cli_parse_state *) {
+    ++g_ran_long;
+}
+constexpr cli_eol_arg_t kLongEol = {1, ran_long, nullptr, nullptr};
+const cli_parse_node long_eol = {eol_action, &kLongEol, &Tno_alt, &Tno_alt};
+constexpr cli_number_arg_t kHighDigit = {"high digit", 5, 9, 0, 0, CLI_SLOT_NUMBER, 0};
+const cli_parse_node no_action = {nullptr, nullptr, nullptr, nullptr};
+cli_parse_node long_digit = {common_number_action, &kHighDigit, &long_eol, &no_action};
+
 using HostCommandLineTest = CliTest;
 
 TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
@@ -107,6 +118,16 @@ TEST_F(HostCommandLineTest, BindingsListingsAndRefusals) {
     // A line that only begins a prefix does not reach the group behind it.
     EXPECT_EQ(said("set"), "-1 % Unknown word \"set\"\n");
     EXPECT_EQ(authmng_host_cli_group_at(authmng_host_cli_groups(), nullptr, nullptr), -1);
+    // Of two prefixes that take a line, the longer is tried first, though
+    // bound later; when its walk ends on a node without action, the shorter
+    // one still gets the line.
+    ASSERT_EQ(authmng_host_cli_bind(0, "set"), 0);
+    ASSERT_EQ(authmng_host_cli_bind(1001, "set set"), 0);
+    ASSERT_EQ(cli_add_command(1001, &long_digit, "longer"), 0);
+    EXPECT_EQ(said("set set 5"), "0 ");
+    EXPECT_EQ(said("set set 4"), "0 ");
+    EXPECT_EQ(g_ran_long, 1);
+    EXPECT_EQ(g_ran, 3);
     // A group behind the empty prefix that begins with a number; the port
     // check's runner refuses an overlong line as the command line does.
     ASSERT_EQ(authmng_host_cli_bind(1000, ""), 0);
