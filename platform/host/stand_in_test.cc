@@ -59,12 +59,16 @@ TEST(HostStandInTest, ClockAllocationsDebugRegistryAndHealthMonitor) {
     EXPECT_EQ(authmng_host_ham_registrations() * 10 + authmng_host_ham_resets(), 11);
 }
 
-// A tree of its own at point 0: "zero set <1-9>".
+// Each tree's end of line counts its runs.
 int g_ran = 0;
-void ran(cli_parse_state *) {
-    ++g_ran;
+int g_ran_long = 0;
+template <int *runs>
+void count_run(cli_parse_state *) {
+    ++*runs;
 }
-constexpr cli_eol_arg_t kEol = {1, ran, nullptr, nullptr};
+
+// A tree of its own at point 0: "zero set <1-9>".
+constexpr cli_eol_arg_t kEol = {1, count_run<&g_ran>, nullptr, nullptr};
 const cli_parse_node zero_eol = {eol_action, &kEol, &Tno_alt, &Tno_alt};
 constexpr cli_number_arg_t kDigit = {"digit", 1, 9, 0, 0, CLI_SLOT_NUMBER, 0};
 cli_parse_node zero_digit = {common_number_action, &kDigit, &zero_eol, &Tno_alt};
@@ -72,11 +76,7 @@ constexpr cli_keyword_arg_t kSet = {"set", "set help", "", 0, 0, 1, CLI_KW_PLAIN
 cli_parse_node zero_set = {common_keyword_action, &kSet, &zero_digit, &Tno_alt};
 
 // "<5-9>" behind a longer prefix; its alternate is a node without action.
-int g_ran_long = 0;
-void ran_long(cli_parse_state *) {
-    ++g_ran_long;
-}
-constexpr cli_eol_arg_t kLongEol = {1, ran_long, nullptr, nullptr};
+constexpr cli_eol_arg_t kLongEol = {1, count_run<&g_ran_long>, nullptr, nullptr};
 const cli_parse_node long_eol = {eol_action, &kLongEol, &Tno_alt, &Tno_alt};
 constexpr cli_number_arg_t kHighDigit = {"high digit", 5, 9, 0, 0, CLI_SLOT_NUMBER, 0};
 const cli_parse_node no_action = {nullptr, nullptr, nullptr, nullptr};
