@@ -26,6 +26,11 @@ bool fill_address(const std::string &path, sockaddr_un *addr) {
     return true;
 }
 
+// The call failed for now only: nothing waiting, no room, or a signal.
+bool only_for_now() {
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
 }  // namespace
 
 bool CtrlSocket::open(const std::string &server_path, const std::string &local_path) {
@@ -79,7 +84,7 @@ Answer CtrlSocket::request(const char *command, std::string *reply, int timeout_
     // A full queue on hostapd's side refuses the datagram for now; it is
     // taken as soon as hostapd reads.
     while (send(fd_, command, strlen(command), 0) < 0) {
-        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) return Answer::Refused;
+        if (!only_for_now()) return Answer::Refused;
         if (errno != EINTR && !wait_for(POLLOUT)) return Answer::Late;
     }
     stale_ = true;
@@ -91,7 +96,7 @@ Answer CtrlSocket::request(const char *command, std::string *reply, int timeout_
             reply->assign(buffer, static_cast<size_t>(got));
             return Answer::Given;
         }
-        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) return Answer::Refused;
+        if (!only_for_now()) return Answer::Refused;
     }
     return Answer::Late;
 }
@@ -112,7 +117,7 @@ ssize_t CtrlSocket::receive(char *buffer, size_t size, int64_t *arrival_us) {
     msg.msg_control = control;
     msg.msg_controllen = sizeof control;
     ssize_t got = recvmsg(fd_, &msg, 0);
-    if (got < 0) return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    if (got < 0) return only_for_now() ? 0 : -1;
     int64_t now = monotonic_us();
     *arrival_us = now;
     for (cmsghdr *c = CMSG_FIRSTHDR(&msg); c != nullptr; c = CMSG_NXTHDR(&msg, c)) {

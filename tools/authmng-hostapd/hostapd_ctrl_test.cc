@@ -22,30 +22,28 @@ public:
         char dir[] = "/tmp/authmng-ctrl-XXXXXX";
         if (mkdtemp(dir) != nullptr) dir_ = dir;
         path = dir_ + "/veth-a";
-        fd_ = socket(AF_UNIX, SOCK_DGRAM, 0);
-        sockaddr_un addr = {};
-        addr.sun_family = AF_UNIX;
-        strncpy(addr.sun_path, path.c_str(), sizeof addr.sun_path - 1);
-        bound = bind(fd_, reinterpret_cast<sockaddr *>(&addr), sizeof addr) == 0;
+        address.sun_family = AF_UNIX;
+        strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+        bound = bind(fd_, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
     }
     ~FakeHostapd() {
         shut();
         unlink(path.c_str());
         rmdir(dir_.c_str());
     }
-    // The next request and where it came from ("" after 5 s without one).
+    // The next request, its sender in *from ("" after 5 s without one).
     std::string take(sockaddr_un *from) {
         pollfd pfd = {fd_, POLLIN, 0};
-        if (poll(&pfd, 1, 5000) <= 0) return "";
         char buffer[256];
         socklen_t len = sizeof *from;
-        ssize_t got =
-            recvfrom(fd_, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(from), &len);
+        ssize_t got = poll(&pfd, 1, 5000) <= 0 ? -1
+                                               : recvfrom(fd_, buffer, sizeof buffer, 0,
+                                                          reinterpret_cast<sockaddr *>(from), &len);
         return got < 0 ? "" : std::string(buffer, static_cast<size_t>(got));
     }
-    void answer(const sockaddr_un &to, const std::string &text) {
-        (void)sendto(fd_, text.data(), text.size(), MSG_DONTWAIT,
-                     reinterpret_cast<const sockaddr *>(&to), sizeof to);
+    void answer(const sockaddr_un &to, const char *text) {
+        (void)sendto(fd_, text, strlen(text), MSG_DONTWAIT, reinterpret_cast<const sockaddr *>(&to),
+                     sizeof to);
     }
     void shut() {
         if (fd_ >= 0) close(fd_);
@@ -53,11 +51,12 @@ public:
     }
 
     std::string path;
+    sockaddr_un address = {};
     bool bound = false;
 
 private:
     std::string dir_;
-    int fd_ = -1;
+    int fd_ = socket(AF_UNIX, SOCK_DGRAM, 0);
 };
 
 TEST(CtrlSocket, LateAnswerGoesNowhereAndTheNextRequestGetsItsOwn) {
@@ -68,19 +67,16 @@ TEST(CtrlSocket, LateAnswerGoesNowhereAndTheNextRequestGetsItsOwn) {
     std::string reply;
     EXPECT_EQ(client.request("STA 02:00:00:00:00:01", &reply, 20), Answer::Late);
     // hostapd reads both requests, then answers the first one late.
-    std::string first, second;
     std::thread server([&] {
-        sockaddr_un from_first, from_second;
-        first = hostapd.take(&from_first);
-        second = hostapd.take(&from_second);
-        hostapd.answer(from_first, "02:00:00:00:00:01\nflags=[AUTHORIZED]\n");
-        hostapd.answer(from_second, "PONG\n");
+        sockaddr_un first, second;
+        EXPECT_EQ(hostapd.take(&first), "STA 02:00:00:00:00:01");
+        EXPECT_EQ(hostapd.take(&second), "PING");
+        hostapd.answer(first, "02:00:00:00:00:01\nflags=[AUTHORIZED]\n");
+        hostapd.answer(second, "PONG\n");
     });
     EXPECT_EQ(client.request("PING", &reply, 5000), Answer::Given);
     server.join();
     EXPECT_EQ(reply, "PONG\n");
-    EXPECT_EQ(first, "STA 02:00:00:00:00:01");
-    EXPECT_EQ(second, "PING");
 }
 
 TEST(CtrlSocket, FullQueueDelaysTheRequestAndAClosedOneRefusesIt) {
@@ -88,12 +84,10 @@ TEST(CtrlSocket, FullQueueDelaysTheRequestAndAClosedOneRefusesIt) {
     ASSERT_TRUE(hostapd.bound);
     // Another client's commands fill hostapd's queue.
     int other = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0);
-    sockaddr_un to = {};
-    to.sun_family = AF_UNIX;
-    strncpy(to.sun_path, hostapd.path.c_str(), sizeof to.sun_path - 1);
     int queued = 0;
     while (queued < 10000 &&
-           sendto(other, "EAPOL_REAUTH", 12, 0, reinterpret_cast<sockaddr *>(&to), sizeof to) > 0) {
+           sendto(other, "EAPOL_REAUTH", 12, 0, reinterpret_cast<sockaddr *>(&hostapd.address),
+                  sizeof hostapd.address) > 0) {
         ++queued;
     }
     close(other);
