@@ -136,7 +136,8 @@ TEST_F(Dot1xIntakeTest, DebugLinesOfEachStepAndEntry) {
     authmng_notify_dot1x_info(nullptr);
     authmng_auth_info_t info = auth(1500, 0, 0, 0, AUTHMNG_CLIENT_MAB);
     g_authmng_statistic_enable = 0;
-    authmng_notify_auth_info(&info), authmng_notify_dot1x_info(&info);
+    authmng_notify_auth_info(&info);
+    authmng_notify_dot1x_info(&info);
     g_authmng_statistic_enable = 1;
     info.online_num = 3, info.rssi = -42;
     strcpy(info.username, "alice");

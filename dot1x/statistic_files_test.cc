@@ -87,7 +87,8 @@ TEST_F(StatisticFilesTest, DailyRowsCarryTheTotalsAndTheirAverages) {
 TEST_F(StatisticFilesTest, FilesRestartOnlyPastFiftyThousandBytes) {
     write_file_of_size(tmp_path(kCsv), 50000);  // 625 lines of 80 bytes
     write_file_of_size(flash_path(kCsv), 50001);
-    authmng_write_dot1x_statistic_to_tmpfile(), authmng_write_dot1x_statistic_to_flashfile();
+    authmng_write_dot1x_statistic_to_tmpfile();
+    authmng_write_dot1x_statistic_to_flashfile();
     EXPECT_EQ(count_lines(read_file(tmp_path(kCsv))), 625u + 2);  // kept, no header
     EXPECT_EQ(read_file(flash_path(kCsv)).rfind(kDailyHeader, 0), 0u);
     EXPECT_EQ(count_lines(read_file(flash_path(kCsv))), 3u);

@@ -56,9 +56,11 @@ TEST_F(BadInputTest, NullPointersAtEveryEntry) {
                   authmng_make_flashpath("/x", nullptr, AUTHMNG_PATH_MAX) +
                   authmng_create_dir(nullptr, 0) + authmng_create_dir(nullptr, 1),
               -4);
-    authmng_record_abnormal_auth(nullptr), authmng_save_abnormal_log(nullptr);
+    authmng_record_abnormal_auth(nullptr);
+    authmng_save_abnormal_log(nullptr);
     authmng_dot1x_statistic_loogtime_reason(0, 0, 5000, nullptr);
-    authmng_dot1x_init(nullptr), authmng_compose_inter_str(nullptr, 2000, 7);
+    authmng_dot1x_init(nullptr);
+    authmng_compose_inter_str(nullptr, 2000, 7);
     authmng_check_result_t verdict = {~0u, ~0u, 0xff};
     authmng_get_check_result(nullptr, &verdict);
     EXPECT_EQ(verdict.escape_time + verdict.escape_ratio + verdict.reboot_enable, 0u);
@@ -108,9 +110,12 @@ TEST_F(BadInputTest, CodesOutOfRangeChangeAndPrintNothing) {
     EXPECT_TRUE(state() == before);
     EXPECT_EQ(take_syslog(), "");
     for (uint32_t index : {2u, UINT32_MAX}) {
-        authmng_show_dot1x_statistic(index), authmng_show_dot1x_statistic_fail(index);
-        authmng_show_dot1x_auth_detail(index), authmng_show_dot1x_reauth_detail(index);
-        authmng_show_dot1x_offline_detail(index), authmng_show_dot1x_statistic_telnet(index);
+        authmng_show_dot1x_statistic(index);
+        authmng_show_dot1x_statistic_fail(index);
+        authmng_show_dot1x_auth_detail(index);
+        authmng_show_dot1x_reauth_detail(index);
+        authmng_show_dot1x_offline_detail(index);
+        authmng_show_dot1x_statistic_telnet(index);
     }
     EXPECT_EQ(take_cli(), "");
     authmng_auth_info_t queued = event_record(AUTHMNG_CLIENT_DOT1X, UINT32_MAX, UINT32_MAX);
@@ -226,7 +231,8 @@ TEST_F(BadInputTest, CountersAtTheirTop) {
     write_all(AUTHMNG_CLIENT_DOT1X);  // the header and the rows of both methods
     EXPECT_EQ(count_lines(read_file(flash_path("/security/authmanage/dot1x/dot1x_statistic.csv"))),
               3u);
-    authmng_show_webauth_statistic(), authmng_show_webauth_statistic_telnet();
+    authmng_show_webauth_statistic();
+    authmng_show_webauth_statistic_telnet();
 }
 
 }  // namespace

@@ -159,7 +159,8 @@ TEST_F(FaultTest, FailingClock) {
     totals.total_auth_count = 8, totals.total_auth_time = 24400;  // 4 in 24000 ms
     authmng_get_check_result(&totals, &verdict);
     EXPECT_EQ(verdict.escape_ratio, 100u);
-    authmng_show_webauth_statistic_abnormal(), authmng_timer_proc();
+    authmng_show_webauth_statistic_abnormal();
+    authmng_timer_proc();
     write_all(kWebauth);
     authmng_host_clock_fail(0);
     EXPECT_EQ(g_authmng_webauth.auth_total, 1u);

@@ -60,7 +60,8 @@ void expect_intakes_go_on(int32_t client, uint32_t event,
         EXPECT_TRUE(wait_for(g_returned, std::chrono::seconds(2))) << "display " << shown;
 
         close(fds[0]);
-        display.join(), intake.join();
+        display.join();
+        intake.join();
         authmng_host_cli_output(nullptr);
         fclose(terminal);
         close(fds[1]);

@@ -118,7 +118,8 @@ protected:
             intakes[t] = std::thread(report, client, t, &abnormal[t]);
         for (std::thread &t : intakes) t.join();
         done.store(true);
-        timer.join(), command_line.join();
+        timer.join();
+        command_line.join();
 
         EXPECT_EQ(inconsistent.load(), 0);
         EXPECT_TRUE(consistent(client));

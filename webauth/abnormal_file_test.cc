@@ -40,9 +40,11 @@ TEST_F(WebauthAbnormalFileTest, RowsAndDisplayCarryEveryFieldAndTheQueueTime) {
     e.acct_aaa_time = 113, e.acct_rds_time = 114, e.acct_rds_svr_time = 115, e.wba_state = 117;
     e.wba_event = 118, e.aaa_code = -119, e.rds_code = 120, e.aaa_acct_code = -121;
     e.rds_acct_code = 122;
-    strcpy(e.username, "alice"), authmng_record_abnormal_auth(&e);
+    strcpy(e.username, "alice");
+    authmng_record_abnormal_auth(&e);
     authmng_host_clock_set(kMonday140507 + 3600 + 60 + 1);
-    strcpy(e.username, "bob"), authmng_record_abnormal_auth(&e);
+    strcpy(e.username, "bob");
+    authmng_record_abnormal_auth(&e);
     authmng_show_webauth_statistic_abnormal();
     const std::string shown =
         "),mac(001a.2b3c.4d5e),ip(192.168.1.20),ack_time(105),auth_time(106),scc_time(107),"

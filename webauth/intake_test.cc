@@ -154,10 +154,13 @@ TEST_F(WebauthIntakeTest, BadInputChangesNothing) {
     e.result = 0, e.offline_reason = 20;
     authmng_notify_webauth_info(&e);
     EXPECT_EQ(take_syslog(), "");
-    authmng_notify_webauth_info(nullptr), authmng_notify_rd_info(nullptr);
-    authmng_notify_stamove_info(nullptr), redirect(10, 3);
+    authmng_notify_webauth_info(nullptr);
+    authmng_notify_rd_info(nullptr);
+    authmng_notify_stamove_info(nullptr);
+    redirect(10, 3);
     g_authmng_statistic_enable = 0;
-    redirect(10), move(0, 0);
+    redirect(10);
+    move(0, 0);
     EXPECT_EQ(memcmp(&before, &live, sizeof live), 0);
     EXPECT_EQ(log(), kError + "webauth_info line:N] auth_info NULL\n" + kError +
                          "rd_info line:N] rd_info NULL\n" + kError +

@@ -27,7 +27,8 @@ void AuthmngTest::SetUp() {
 void AuthmngTest::TearDown() {
     authmng_host_cli_output(nullptr);
     authmng_host_syslog_output(nullptr);
-    cli_.close(), syslog_.close();
+    cli_.close();
+    syslog_.close();
     if (!root_.empty()) {
         chmod(root_.c_str(), 0777);
         nftw(
@@ -87,16 +88,20 @@ std::string golden(const std::string &name) {
 
 void write_all(int32_t client) {
     if (client == AUTHMNG_CLIENT_WBA) {
-        authmng_write_webauth_statistic_to_tmp(), authmng_write_webauth_abnormal_record_to_file();
+        authmng_write_webauth_statistic_to_tmp();
+        authmng_write_webauth_abnormal_record_to_file();
         return;
     }
-    authmng_write_dot1x_statistic_to_tmpfile(), authmng_write_dot1x_statistic_to_flashfile();
+    authmng_write_dot1x_statistic_to_tmpfile();
+    authmng_write_dot1x_statistic_to_flashfile();
     authmng_write_dot1x_abnormal_record_to_file();
 }
 
 authmng_auth_info_t event_record(int32_t client_type, uint32_t event, uint32_t result) {
     authmng_auth_info_t info{};
-    info.client_type = client_type, info.event = event, info.result = result;
+    info.client_type = client_type;
+    info.event = event;
+    info.result = result;
     return info;
 }
 
