@@ -164,12 +164,17 @@ metrics() { in_a "$py" -c 'import urllib.request,sys
 sys.stdout.write(urllib.request.urlopen("http://127.0.0.1:9469/metrics",timeout=5).read().decode())'; }
 # count KIND CODE [FILE]: the library's count of a first-authentication
 # result or an offline reason, read from the metrics or from FILE, a copy of
-# them (0 when absent).
+# them (0 when absent); total KIND [FILE]: the sum over every code.
+metrics_or() { if [[ ${1:-} ]]; then cat "$1"; else metrics; fi; }
 count() {
-    if [[ ${3:-} ]]; then cat "$3"; else metrics; fi |
-        awk -v name="authmng_$1_total" -v code="$2" '
-            index($0, name "{method=\"dot1x\",code=\"" code "\",") == 1 { n = $NF }
-            END { print n + 0 }'
+    metrics_or "${3:-}" | awk -v name="authmng_$1_total" -v code="$2" '
+        index($0, name "{method=\"dot1x\",code=\"" code "\",") == 1 { n = $NF }
+        END { print n + 0 }'
+}
+total() {
+    metrics_or "${2:-}" | awk -v name="authmng_$1_total{method=\"dot1x\"" '
+        index($0, name) == 1 { n += $NF }
+        END { print n + 0 }'
 }
 count_at_least() { [[ $(count "$1" "$2") -ge $3 ]]; }
 
@@ -315,8 +320,7 @@ successes=$(count authentications 0 "$work/metrics.txt")
 reauth_timeouts=$(count reauthentications 3 "$work/metrics.txt")
 port_downs=$(count offlines 29 "$work/metrics.txt")
 # Every first-authentication result the metrics count, whatever its code.
-auth_number=$(awk '/^authmng_authentications_total\{method="dot1x"/ { n += $NF } END { print n + 0 }' \
-    "$work/metrics.txt")
+auth_number=$(total authentications "$work/metrics.txt")
 line_of() { grep -qF -- "$1" "$2"; }
 check "show statistic: the authentication number" \
     line_of " authentication number:........................$auth_number." "$work/statistic.txt"
@@ -360,9 +364,8 @@ check "metrics: no malformed lines, both ports attached" \
 
 # Survives a hostapd restart: re-attaches; hostapd disconnects its stations
 # as it stops, so they go offline.
-offlines() { metrics | awk '/^authmng_offlines_total\{method="dot1x"/ { n += $NF } END { print n + 0 }'; }
 online() { metrics | awk '/^authmng_online_users\{method="dot1x"\}/ { print $NF }'; }
-offlines_before=$(offlines)
+offlines_before=$(total offlines)
 read -r attaches lost < <(sed -n 's/^attaches: \([0-9]*\), lost: \([0-9]*\),.*/\1 \2/p' "$work/status.txt")
 online_before=$(online)
 kill "$hostapd_pid"
@@ -373,7 +376,7 @@ wait_for 20 "the bridge to re-attach" bash -c \
 check "hostapd restart: re-attached" \
     grep -q "^attaches: $((attaches + 2)), lost: $((lost + 2))," <(cli bridge status)
 check "hostapd restart: the $online_before online stations offline" \
-    test "$(online)" = 0 -a "$(offlines)" -ge "$((offlines_before + online_before))"
+    test "$(online)" = 0 -a "$(total offlines)" -ge "$((offlines_before + online_before))"
 
 # --- figures
 "$py" - "$work/events.rec" "$work/wire.pcap" "$work/reauth-start" <<'EOF' | tee "$work/figures.txt"
