@@ -26,6 +26,7 @@ StatsSnapshot sample() {
     d.current_online_number = 4;
     d.max_online_number = 6;
     s.abnormal_queued = 2;
+    s.abnormal_cap = 1000;
     return s;
 }
 
@@ -47,6 +48,7 @@ TEST(Metrics, FamiliesCarryTheCountsByCodeText) {
              "authmng_online_users{method=\"dot1x\"} 4",
              "authmng_online_users_max{method=\"dot1x\"} 6",
              "authmng_abnormal_records_queued 2",
+             "authmng_abnormal_records_cap 1000",
              "authmng_hostapd_malformed_lines_total 7",
          }) {
         EXPECT_NE(text.find("\n" + std::string(line) + "\n"), std::string::npos) << line;
