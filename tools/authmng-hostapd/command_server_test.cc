@@ -50,11 +50,7 @@ protected:
         dir_ = dir;
         path_ = dir_ + "/cmd.sock";
         ASSERT_TRUE(server_.start(path_, [](const std::string &line, std::string *out) {
-            if (line == "long") {
-                *out = std::string(1000, 'x') + "end\n";
-                return authmng_cmd::kRun;
-            }
-            *out = "ran [" + line + "]\n";
+            *out = line == "long" ? std::string(1000, 'x') + "end\n" : "ran [" + line + "]\n";
             return line == "bad" ? authmng_cmd::kRefused : authmng_cmd::kRun;
         }));
     }

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <map>
+#include <tuple>
 #include <vector>
 
 namespace authmng_hostapd {
@@ -29,6 +30,9 @@ public:
     MibInfo mib_info;
 };
 
+// Records as (event, result or offline reason) pairs.
+using Kinds = std::vector<std::pair<uint32_t, uint32_t>>;
+
 class MapperTest : public ::testing::Test {
 protected:
     MapperTest()
@@ -42,9 +46,12 @@ protected:
         memcpy(e.mac, mac, 6);
         mapper_.on_event(iface, e, ms * 1000);
     }
-    // The records so far as (event, result or offline reason) pairs.
-    std::vector<std::pair<uint32_t, uint32_t>> kinds() const {
-        std::vector<std::pair<uint32_t, uint32_t>> out;
+    void authenticate(int64_t ms, const uint8_t *mac = kMac, int iface = 0) {
+        event(EventKind::EapStarted, ms, mac, iface);
+        event(EventKind::EapSuccess, ms + 10, mac, iface);
+    }
+    Kinds kinds() const {
+        Kinds out;
         for (const auto &r : records_) {
             out.emplace_back(r.event, r.event == D1X_OFFLINE ? r.offline_reason : r.result);
         }
@@ -54,8 +61,6 @@ protected:
     std::vector<authmng_auth_info_t> records_;
     StationMapper mapper_;
 };
-
-using Kinds = std::vector<std::pair<uint32_t, uint32_t>>;
 
 TEST_F(MapperTest, OutcomesOfFirstAuthentications) {
     struct Case {
@@ -68,31 +73,27 @@ TEST_F(MapperTest, OutcomesOfFirstAuthentications) {
         {EventKind::EapTimeoutNoId, kResultRequestIdTimeout, true, false},
         {EventKind::EapTimeoutMethod, kResultRequestTimeout, false, true},
     };
+    source_.mib_info.round_trip_centis = 1;  // 10 ms
     for (const Case &c : cases) {
         records_.clear();
-        source_.mib_info.round_trip_centis = 1;  // 10 ms
         event(EventKind::EapStarted, 1000);
         event(c.outcome, 1042);
         ASSERT_EQ(kinds(), (Kinds{{D1X_AUTH_START, 0}, {D1X_AUTH, c.result}}));
         const authmng_auth_info_t &r = records_[1];
-        EXPECT_EQ(r.client_type, AUTHMNG_CLIENT_DOT1X);
-        EXPECT_EQ(r.auth_time, 42u);
-        EXPECT_EQ(r.rds_time, 10u);
-        EXPECT_EQ(r.aaa_time, 10u);
-        EXPECT_EQ(r.requestid_timeout, c.id_timeout);
-        EXPECT_EQ(r.request_timeout, c.request_timeout);
+        EXPECT_EQ(
+            std::tie(r.client_type, r.auth_time, r.rds_time, r.aaa_time, r.online_num,
+                     r.requestid_timeout, r.request_timeout),
+            std::make_tuple(AUTHMNG_CLIENT_DOT1X, 42u, 10u, 10u,
+                            c.result == kResultSuccess ? 1u : 0u, c.id_timeout, c.request_timeout));
         EXPECT_STREQ(r.username, "alice");
         EXPECT_EQ(memcmp(r.mac, kMac, 6), 0);
-        EXPECT_EQ(r.online_num, c.result == kResultSuccess ? 1u : 0u);
         if (c.result == kResultSuccess) event(EventKind::StaDisconnected, 2000);
     }
 }
 
 TEST_F(MapperTest, ReauthenticationAndItsFailureTakeTheUserOffline) {
-    event(EventKind::EapStarted, 0);
-    event(EventKind::EapSuccess, 10);
-    event(EventKind::EapStarted, 5000);
-    event(EventKind::EapSuccess, 5008);
+    authenticate(0);
+    authenticate(5000);
     event(EventKind::EapStarted, 9000);
     event(EventKind::EapFailure, 9500);
     EXPECT_EQ(kinds(), (Kinds{{D1X_AUTH_START, 0},
@@ -116,33 +117,27 @@ TEST_F(MapperTest, RestartAfterServerTimeoutIsAnAaaTimeout) {
                               {D1X_AUTH_START, 0},
                               {D1X_AUTH, kResultAaaTimeout},
                               {D1X_AUTH_START, 0}}));
-    EXPECT_EQ(records_[2].auth_time, 30000u);
-    EXPECT_EQ(records_[2].aaa_timeout, 1);
-    EXPECT_EQ(records_[2].rds_time, 0u);
+    EXPECT_EQ(std::tie(records_[2].auth_time, records_[2].aaa_timeout, records_[2].rds_time),
+              std::make_tuple(30000u, 1, 0u));
 }
 
 TEST_F(MapperTest, DisconnectIsALogoffOnlyWhenTheStationSentOne) {
-    event(EventKind::EapStarted, 0);
-    event(EventKind::EapSuccess, 10);
-    event(EventKind::EapStarted, 0, kOther);
-    event(EventKind::EapSuccess, 10, kOther);
+    authenticate(0);
+    authenticate(0, kOther);
+    records_.clear();
     source_.stations[kMac[5]].logoff_frames = 1;
     event(EventKind::StaDisconnected, 100);
     event(EventKind::StaDisconnected, 100, kOther);
     event(EventKind::StaDisconnected, 100, kOther);  // again: already offline
-    ASSERT_EQ(records_.size(), 6u);
-    EXPECT_EQ(kinds()[4], (std::pair<uint32_t, uint32_t>(D1X_OFFLINE, kOfflineUserLogoff)));
-    EXPECT_EQ(records_[4].logoff, 1);
-    EXPECT_EQ(kinds()[5], (std::pair<uint32_t, uint32_t>(D1X_OFFLINE, kOfflineOther)));
-    EXPECT_STREQ(records_[5].username, "bob");
+    ASSERT_EQ(kinds(), (Kinds{{D1X_OFFLINE, kOfflineUserLogoff}, {D1X_OFFLINE, kOfflineOther}}));
+    EXPECT_EQ(records_[0].logoff, 1);
+    EXPECT_STREQ(records_[1].username, "bob");
 }
 
 TEST_F(MapperTest, LinkDownAndLostInterfaceEndOnlyTheirOwnStations) {
-    event(EventKind::EapStarted, 0);
-    event(EventKind::EapSuccess, 10);          // online on port 0
+    authenticate(0);                           // online on port 0
     event(EventKind::EapStarted, 20, kOther);  // in progress on port 0
-    event(EventKind::EapStarted, 0, kMac, 1);  // port 1
-    event(EventKind::EapSuccess, 10, kMac, 1);
+    authenticate(0, kMac, 1);                  // port 1
     records_.clear();
     mapper_.on_link_down(0, 520 * 1000);
     EXPECT_EQ(kinds(), (Kinds{{D1X_OFFLINE, kOfflinePortDown}, {D1X_AUTH, kResultPortDown}}));
